@@ -1,0 +1,17 @@
+#include "core/ProtocolSleep.h"
+
+#include <cerrno>
+#include <ctime>
+
+namespace KavroLibrary {
+
+void protocolSleep(std::chrono::microseconds duration) {
+    if (duration.count() <= 0) return;
+    timespec wanted{};
+    wanted.tv_sec = static_cast<time_t>(duration.count() / 1000000);
+    wanted.tv_nsec = static_cast<long>((duration.count() % 1000000) * 1000);
+    timespec left{};
+    while (nanosleep(&wanted, &left) != 0 && errno == EINTR) wanted = left;
+}
+
+}  // namespace KavroLibrary
