@@ -1,0 +1,65 @@
+#include "KavroNetworkUSBIM.h"
+
+#include <stdexcept>
+
+#include "links/FtdiCommunications.h"
+#include "links/NetworkConfiguration.h"
+#include "links/UsbFraming.h"
+
+namespace KavroLibrary {
+
+namespace {
+
+// Dynamic streaming over USB arrives with the dynamic mode; until then the
+// link refuses like the links that cannot stream.
+void StartDynamicFTDIUnavailable(NetworkConfiguration*, sDynamicMode) {
+    throw std::runtime_error("Controller is not dynamic capable");
+}
+
+}  // namespace
+
+void fillUsbLinkTable(NetworkConfiguration* config) {
+    config->Identify = &IdentifyNetwork;
+    config->GetInfo = &GetInfoNetwork;
+    config->SendCommand = &SendModuleCommand;
+    config->GetReply = &GetModuleCommandResponse;
+    config->SetSpeed = &SetControllerSpeedFTDI;
+    config->SetIdle = &SetControllerIdleFTDI;
+    config->StartDynamic = &StartDynamicFTDIUnavailable;
+}
+
+KavroNetworkUSBIM::KavroNetworkUSBIM(int networkNumber, int deviceIndex) : KavroNetwork(networkNumber, "") {
+    config_->DeviceIndex = deviceIndex;
+    config_->ControllerName = "USBIM (Unknown)";
+    config_->NetworkType = eNetworkType::USBIM_Mk2;
+    fillUsbLinkTable(config_.get());
+}
+
+KavroNetworkUSBIM::~KavroNetworkUSBIM() {
+    if (config_->FtdiHandle != nullptr) {
+        FTDICommunications().Close(config_->FtdiHandle);
+        config_->FtdiHandle = nullptr;
+    }
+}
+
+void KavroNetworkUSBIM::Connect() {
+    if (IsConnected()) KavroNetworkUSBIM::Disconnect();
+    FTDICommunications ftdi;
+    if (ftdi.Open(config_.get()) != FT_OK) return;
+    KavroNetwork::Connect();
+    if (config_->InitNetworkHook != nullptr && config_->InitNetworkHook(config_.get())) {
+        UpdateCapabilitiesUSBIM(config_.get());
+        if (config_->ResetAllSpeedsHook != nullptr) config_->ResetAllSpeedsHook(config_.get());
+    } else {
+        config_->Connected = false;
+    }
+}
+
+void KavroNetworkUSBIM::Disconnect() {
+    if (!IsConnected()) return;
+    KavroNetwork::Disconnect();
+    FTDICommunications().Close(config_->FtdiHandle);
+    config_->FtdiHandle = nullptr;
+}
+
+}  // namespace KavroLibrary
