@@ -125,7 +125,7 @@ WirelessAddress ParseWirelessAddress(const std::string& text) {
     if (colon != std::string::npos) {
         host = text.substr(0, colon);
         const std::string port = text.substr(colon + 1);
-        if (port.empty() || port.size() > 5 || !std::all_of(port.begin(), port.end(), ::isdigit)) return result;
+        if (port.empty() || port.size() > 5 || !std::all_of(port.begin(), port.end(), [](char c) { return c >= '0' && c <= '9'; })) return result;
         result.port = std::stoi(port);
         if (result.port < 1 || result.port > 65535) return result;
     }
