@@ -72,6 +72,7 @@ TEST(SimBus, ModulesHearOnlyTheControllersSpeed) {
 
     // Set-mode only chooses the speed; the control action 10 applies it.
     EXPECT_EQ((Bytes{'V', 0}), c.command(setMode(1, 41, 0), 2).data);
+    c.broadcast(Bytes{'W', 0, 3});  // a sample trigger is not the speed action
     EXPECT_EQ('I', c.command(addressed('I', 1), 30).data.at(0));
     EXPECT_EQ((Bytes{'!', 0x40}), c.command(setMode(2, 41, 0), 2).data) << "generation 0 stays at Low";
     EXPECT_EQ((Bytes{'!', 0x40}), c.command(setMode(3, 42, 0), 2).data) << "UltraHigh needs generation 3";

@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <chrono>
+#include <exception>
+#include <iostream>
 
 namespace kavrosim {
 
@@ -50,10 +52,19 @@ SimPumpEnd pumpStream(SimStreamEndpoint endpoint, SimController& controller, Sim
             SimParsed parsed = parseStreamRequest(dialect, pending.data(), pending.size());
             if (parsed.result == SimParsed::Result::Incomplete) break;
             pending.erase(pending.begin(), pending.begin() + static_cast<std::ptrdiff_t>(parsed.consumed));
-            const SimAnswer answer = controller.handle(parsed.request);
+            SimAnswer answer;
+            Bytes frame;
+            try {
+                answer = controller.handle(parsed.request);
+                frame = frameStreamAnswer(dialect, parsed.request, answer);
+            } catch (const std::exception& error) {
+                // A simulator fault must not take the whole program down:
+                // report it and drop this connection.
+                std::cerr << "kavro-sim: " << parsed.request.describe() << ": " << error.what() << "\n";
+                return SimPumpEnd::PeerClosed;
+            }
             if (answer.delay.count() > 0 && stop.waitFor(answer.delay)) return SimPumpEnd::Stopped;
             if (answer.action == SimAnswer::Action::Close) return SimPumpEnd::CloseRequested;
-            const Bytes frame = frameStreamAnswer(dialect, parsed.request, answer);
             if (frame.empty()) continue;
             const WriteResult written = writeAll(endpoint, frame, stop);
             if (written == WriteResult::Stopped) return SimPumpEnd::Stopped;
