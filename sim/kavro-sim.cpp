@@ -7,13 +7,14 @@
 
 #include <cstring>
 #include <iostream>
+#include <mutex>
 #include <string>
 
 #include "core/KavroSim.h"
 
 namespace {
 
-const char* const kUsage = R"(Usage: kavro-sim [--scenario FILE] [--help]
+const char* const kUsage = R"(Usage: kavro-sim [--scenario FILE] [--trace] [--help]
 
 Starts the simulated controllers of a scenario, prints where each one
 listens (Ethernet: address and port 10001; serial: the pseudo-terminal to
@@ -21,6 +22,7 @@ open as the RS-232 line) and the modules on its bus, and serves them until
 interrupted (Ctrl+C, SIGINT or SIGTERM).
 
   --scenario FILE   the scenario to run (default: the shipped default.scn)
+  --trace           print every request a controller receives and its answer
   --help            this text
 
 )";
@@ -38,13 +40,16 @@ std::string defaultScenario() {
 
 int main(int argc, char** argv) {
     std::string scenarioPath;
+    bool trace = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--help" || arg == "-h") {
             std::cout << kUsage << kavrosim::scenarioFormatHelp();
             return 0;
         }
-        if (arg == "--scenario" && i + 1 < argc) {
+        if (arg == "--trace") {
+            trace = true;
+        } else if (arg == "--scenario" && i + 1 < argc) {
             scenarioPath = argv[++i];
         } else if (arg.rfind("--scenario=", 0) == 0) {
             scenarioPath = arg.substr(std::strlen("--scenario="));
@@ -63,9 +68,20 @@ int main(int argc, char** argv) {
     sigaddset(&stopSignals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
 
+    std::mutex printing;  // outlives the session whose threads print
     try {
         kavrosim::SimSession session(kavrosim::loadScenario(scenarioPath));
-        for (std::size_t i = 0; i < session.size(); ++i) session.controller(i).setRequestLogLimit(1000);
+        for (std::size_t i = 0; i < session.size(); ++i) {
+            kavrosim::SimController& controller = session.controller(i);
+            controller.setRequestLogLimit(1000);
+            if (!trace) continue;
+            const std::string name = controller.config().identity;
+            controller.setObserver([&printing, name](const kavrosim::SimRequest& request,
+                                                     const kavrosim::SimAnswer& answer) {
+                std::lock_guard<std::mutex> lock(printing);
+                std::cout << name << "  " << request.describe() << "  ->  " << answer.describe() << std::endl;
+            });
+        }
         session.start();
         std::cout << "kavro-sim: scenario " << scenarioPath << "\n" << session.describe() << "Running; Ctrl+C stops.\n"
                   << std::flush;

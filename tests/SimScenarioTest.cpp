@@ -203,7 +203,7 @@ TEST(SimScenario, ProgramServesUntilTerminated) {
     TempDir dir;
     const std::string scenario =
         dir.write("bench.scn", "controller ethernet auto\nmodule probe GP00000001 range=2\ncontroller serial\n");
-    Program program({"--scenario", scenario});
+    Program program({"--trace", "--scenario", scenario});
     const std::string output = program.readUntil("Running");
     std::smatch where;
     ASSERT_TRUE(std::regex_search(output, where, std::regex("on ethernet ([0-9.]+):10001"))) << output;
@@ -212,6 +212,7 @@ TEST(SimScenario, ProgramServesUntilTerminated) {
     auto client = WireClient::tcp(where[1]);
     client->send(text(std::string("I\0\0", 3)));
     EXPECT_EQ(34u, client->receive(34).size());
+    EXPECT_NE(std::string::npos, program.readUntil("->").find("identify [49 00 00]  ->  status 0"));
     program.signal(SIGTERM);
     EXPECT_EQ(0, program.exitStatus());
 

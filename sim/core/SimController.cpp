@@ -133,6 +133,11 @@ bool SimController::waitForRequestCount(std::uint64_t count, std::chrono::millis
     return logged_.wait_for(lock, bound, [&] { return requestCount_ >= count; });
 }
 
+void SimController::setObserver(Observer observer) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    observer_ = std::move(observer);
+}
+
 SimAnswer SimController::handle(SimRequest request) {
     std::lock_guard<std::mutex> lock(mutex_);
     if (request.received == Clock::time_point{}) request.received = Clock::now();
@@ -142,31 +147,36 @@ SimAnswer SimController::handle(SimRequest request) {
         while (log_.size() > logLimit_) log_.pop_front();
     }
     logged_.notify_all();
+    SimAnswer result = respond(request);
+    if (observer_) observer_(request, result);
+    return result;
+}
 
+SimAnswer SimController::respond(const SimRequest& request) {
     const std::optional<SimFault> fault = faults_.take(request);
-    SimAnswer answer;
+    SimAnswer result;
     if (fault && fault->kind == SimFaultKind::CloseConnection) {
-        answer.action = SimAnswer::Action::Close;
-        return answer;
+        result.action = SimAnswer::Action::Close;
+        return result;
     }
-    answer = request.kind == SimRequestKind::ModuleCommand ? answerModuleCommand(request, fault)
+    result = request.kind == SimRequestKind::ModuleCommand ? answerModuleCommand(request, fault)
                                                            : answerControllerRequest(request, fault);
     if (fault) {
         switch (fault->kind) {
             case SimFaultKind::DropReply:
-                answer.action = SimAnswer::Action::Silent;
+                result.action = SimAnswer::Action::Silent;
                 break;
             case SimFaultKind::Delay:
-                answer.delay += std::chrono::milliseconds(fault->value);
+                result.delay += std::chrono::milliseconds(fault->value);
                 break;
             case SimFaultKind::CutFrame:
-                answer.cutAt = static_cast<std::size_t>(fault->value);
+                result.cutAt = static_cast<std::size_t>(fault->value);
                 break;
             default:
                 break;
         }
     }
-    return answer;
+    return result;
 }
 
 SimAnswer SimController::answerModuleCommand(const SimRequest& request, const std::optional<SimFault>& fault) {

@@ -74,6 +74,11 @@ public:
     // `bound`; false when the bound passed first.
     bool waitForRequestCount(std::uint64_t count, std::chrono::milliseconds bound) const;
 
+    // --- Called with every request and its answer, under the controller's
+    // lock (keep it short); kavro-sim's --trace prints them.
+    using Observer = std::function<void(const SimRequest&, const SimAnswer&)>;
+    void setObserver(Observer observer);
+
     // --- The faces' entry: logs the request and answers it.
     SimAnswer handle(SimRequest request);
 
@@ -81,6 +86,7 @@ private:
     SimModule& existing(const std::string& identity);
     SimAnswer answerModuleCommand(const SimRequest& request, const std::optional<SimFault>& fault);
     SimAnswer answerControllerRequest(const SimRequest& request, const std::optional<SimFault>& fault);
+    SimAnswer respond(const SimRequest& request);
 
     const SimControllerConfig config_;
     mutable std::mutex mutex_;
@@ -91,6 +97,7 @@ private:
     std::deque<SimRequest> log_;
     std::size_t logLimit_ = 10000;
     std::uint64_t requestCount_ = 0;
+    Observer observer_;
 };
 
 }  // namespace kavrosim

@@ -22,6 +22,36 @@ std::string requestKindName(SimRequestKind kind) {
     return "unknown";
 }
 
+namespace {
+
+std::string hexBytes(const Bytes& bytes) {
+    std::string text = "[";
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        char hex[4];
+        std::snprintf(hex, sizeof hex, "%02X", bytes[i]);
+        text += (i == 0 ? "" : " ") + std::string(hex);
+    }
+    return text + "]";
+}
+
+}  // namespace
+
+std::string SimAnswer::describe() const {
+    std::string text;
+    if (delay.count() > 0) text += "after " + std::to_string(delay.count()) + " ms ";
+    switch (action) {
+        case Action::Silent:
+            return text + "nothing";
+        case Action::Close:
+            return text + "close";
+        case Action::Reply:
+            break;
+    }
+    text += "status " + std::to_string(status) + " " + hexBytes(data);
+    if (cutAt) text += " cut to " + std::to_string(*cutAt) + " bytes";
+    return text;
+}
+
 std::string SimRequest::describe() const {
     std::string text = requestKindName(kind);
     if (kind == SimRequestKind::ModuleCommand) {
@@ -33,13 +63,7 @@ std::string SimRequest::describe() const {
     } else if (kind == SimRequestKind::SetSpeed) {
         text += " " + std::to_string(speedValue);
     }
-    text += " [";
-    for (std::size_t i = 0; i < raw.size(); ++i) {
-        char hex[4];
-        std::snprintf(hex, sizeof hex, "%02X", raw[i]);
-        text += (i == 0 ? "" : " ") + std::string(hex);
-    }
-    return text + "]";
+    return text + " " + hexBytes(raw);
 }
 
 }  // namespace kavrosim

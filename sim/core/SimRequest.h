@@ -48,6 +48,8 @@ struct SimAnswer {
     Bytes data;
     std::chrono::milliseconds delay{0};  // wait before answering
     std::optional<std::size_t> cutAt;    // send only this many bytes of the frame
+
+    std::string describe() const;
 };
 
 }  // namespace kavrosim
