@@ -76,14 +76,15 @@ int main(int argc, char** argv) {
             controller.setRequestLogLimit(1000);
             if (!trace) continue;
             const std::string name = controller.config().identity;
-            controller.setObserver([&printing, name](const kavrosim::SimRequest& request,
-                                                     const kavrosim::SimAnswer& answer) {
-                std::lock_guard<std::mutex> lock(printing);
-                std::cout << name << "  " << request.describe() << "  ->  " << answer.describe() << std::endl;
-            });
+            controller.setObserver(
+                [&printing, name](const kavrosim::SimRequest& request, const kavrosim::SimAnswer& answer) {
+                    std::lock_guard<std::mutex> lock(printing);
+                    std::cout << name << "  " << request.describe() << "  ->  " << answer.describe() << std::endl;
+                });
         }
         session.start();
-        std::cout << "kavro-sim: scenario " << scenarioPath << "\n" << session.describe() << "Running; Ctrl+C stops.\n"
+        std::cout << "kavro-sim: scenario " << scenarioPath << "\n"
+                  << session.describe() << "Running; Ctrl+C stops.\n"
                   << std::flush;
         int received = 0;
         sigwait(&stopSignals, &received);

@@ -184,8 +184,9 @@ TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
 }
 
 TEST(SimScenario, SessionServesEveryController) {
-    SimSession session(parse("controller ethernet auto\nmodule probe GP00000001 range=2 address=1\n"
-                             "controller serial\nmodule dio2 DO00000001 address=1 signal=constant:9\n"));
+    SimSession session(
+        parse("controller ethernet auto\nmodule probe GP00000001 range=2 address=1\n"
+              "controller serial\nmodule dio2 DO00000001 address=1 signal=constant:9\n"));
     session.start();
     auto ethernet = WireClient::tcp(session.face(0).location());
     EXPECT_EQ('L', ethernet->command(addressed('L', 1), 5).data.at(0));

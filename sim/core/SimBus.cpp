@@ -41,8 +41,8 @@ void SimBus::add(SimModule module) {
 }
 
 bool SimBus::remove(const std::string& identity) {
-    auto found = std::find_if(modules_.begin(), modules_.end(),
-                              [&](const SimModule& m) { return m.identity() == identity; });
+    auto found =
+        std::find_if(modules_.begin(), modules_.end(), [&](const SimModule& m) { return m.identity() == identity; });
     if (found == modules_.end()) return false;
     modules_.erase(found);
     return true;
@@ -50,8 +50,8 @@ bool SimBus::remove(const std::string& identity) {
 
 bool SimBus::replace(const std::string& identity, SimModule module) {
     module.validate();
-    auto found = std::find_if(modules_.begin(), modules_.end(),
-                              [&](const SimModule& m) { return m.identity() == identity; });
+    auto found =
+        std::find_if(modules_.begin(), modules_.end(), [&](const SimModule& m) { return m.identity() == identity; });
     if (found == modules_.end()) return false;
     const SimModule* clash = find(module.identity());
     if (clash != nullptr && clash != &*found) {

@@ -14,8 +14,8 @@
 namespace kavrosim {
 
 struct SimBusReply {
-    std::optional<Bytes> reply;             // nothing when no module answered
-    std::chrono::milliseconds wait{0};      // how long the controller listened before giving up
+    std::optional<Bytes> reply;         // nothing when no module answered
+    std::chrono::milliseconds wait{0};  // how long the controller listened before giving up
 };
 
 class SimBus {

@@ -12,14 +12,14 @@
 namespace kavrosim {
 
 struct SimControllerConfig {
-    std::string identity;        // exactly 10 characters
-    std::string partNumber;      // 8 characters: "P770100A"
-    std::string model;           // up to 4 characters
-    int firmwareNumber = 150;    // hundredths: 150 is 1.50
-    std::string firmwareText;    // 5 characters; empty: made from the firmware number ("1.50 ")
-    std::string typeCode;        // "ETHI", "ETH2", "232I", "485I", "USB2"
-    std::string limitText;       // up to 16 characters: "L032" allows 32 modules
-    std::string description;     // up to 16 characters
+    std::string identity;          // exactly 10 characters
+    std::string partNumber;        // 8 characters: "P770100A"
+    std::string model;             // up to 4 characters
+    int firmwareNumber = 150;      // hundredths: 150 is 1.50
+    std::string firmwareText;      // 5 characters; empty: made from the firmware number ("1.50 ")
+    std::string typeCode;          // "ETHI", "ETH2", "232I", "485I", "USB2"
+    std::string limitText;         // up to 16 characters: "L032" allows 32 modules
+    std::string description;       // up to 16 characters
     std::vector<SimSpeed> speeds;  // empty: what the type code and firmware offer
 
     // Typical controllers: an Ethernet one (ETHI, 1.50), a serial one (232I,

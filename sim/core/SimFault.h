@@ -27,8 +27,8 @@ std::string faultKindName(SimFaultKind kind);
 
 struct SimFault {
     SimFaultKind kind = SimFaultKind::DropReply;
-    int times = 1;                        // how many matching requests it hits
-    int value = 0;                        // error byte, bytes kept, or milliseconds
+    int times = 1;  // how many matching requests it hits
+    int value = 0;  // error byte, bytes kept, or milliseconds
     SimRequestKind target = SimRequestKind::ModuleCommand;
     std::optional<std::uint8_t> command;  // only module commands with this code
 

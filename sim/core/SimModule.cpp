@@ -187,8 +187,10 @@ SimScale SimModule::scale() const {
         case SimKind::Analogue: {
             const SimAnalogueScale* table = analogueScale(std::atoi(partNumber_.substr(1, 6).c_str()));
             if (table == nullptr) return {"", 1.0, 0, false, 0, 0, 6, 0};
-            return {table->units, table->countsPerUnit, table->offset, true, table->offset,
-                    table->offset + 16384 / table->countsPerUnit, table->formatDigit, 0};
+            return {table->units,       table->countsPerUnit,
+                    table->offset,      true,
+                    table->offset,      table->offset + 16384 / table->countsPerUnit,
+                    table->formatDigit, 0};
         }
     }
     return {"", 1.0, 0, false, 0, 0, 6, 0};
@@ -277,8 +279,8 @@ long long SimModule::rawCounts(double value) const {
     const SimScale s = scale();
     // The host divides by the counts per unit it reads from the info text,
     // so count with exactly that number.
-    const double perUnit = format_ == SimInfoFormat::New && !legacy_ ? throughText(s.countsPerUnit, 8)
-                                                                       : s.countsPerUnit;
+    const double perUnit =
+        format_ == SimInfoFormat::New && !legacy_ ? throughText(s.countsPerUnit, 8) : s.countsPerUnit;
     long long result = std::llround((value - s.offset) * perUnit * resolutionFactor());
     if (counts()) {
         if (reversed_) result = -result;
