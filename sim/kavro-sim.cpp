@@ -19,7 +19,7 @@ const char* const kUsage = R"(Usage: kavro-sim [--scenario FILE] [--trace] [--he
 Starts the simulated controllers of a scenario, prints where each one
 listens (Ethernet: address and port 10001; serial: the pseudo-terminal to
 open as the RS-232 line) and the modules on its bus, and serves them until
-interrupted (Ctrl+C, SIGINT or SIGTERM).
+interrupted (Ctrl+C, SIGINT, SIGTERM or SIGHUP).
 
   --scenario FILE   the scenario to run (default: the shipped default.scn)
   --trace           print every request a controller receives and its answer
@@ -66,6 +66,7 @@ int main(int argc, char** argv) {
     sigemptyset(&stopSignals);
     sigaddset(&stopSignals, SIGINT);
     sigaddset(&stopSignals, SIGTERM);
+    sigaddset(&stopSignals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
 
     std::mutex printing;  // outlives the session whose threads print
@@ -88,7 +89,7 @@ int main(int argc, char** argv) {
                   << std::flush;
         int received = 0;
         sigwait(&stopSignals, &received);
-        std::cout << "kavro-sim: stopping on " << (received == SIGINT ? "SIGINT" : "SIGTERM") << "\n" << std::flush;
+        std::cout << "kavro-sim: stopping on " << strsignal(received) << "\n" << std::flush;
         session.stop();
     } catch (const std::exception& error) {
         std::cerr << "kavro-sim: " << error.what() << "\n";

@@ -132,6 +132,7 @@ TEST(SimReading, EachKindDecodesToItsIntendedScale) {
     EXPECT_FALSE(old.newFormat) << old.info;
     EXPECT_LT(old.firmware, 100) << "generation 1";
     EXPECT_EQ(2.5 * 16384 / 10, readTwoWords(c, 2));
+    EXPECT_EQ((Bytes{'!', 0x63}), c.command(setMode(2, 51, 16), 2).data) << "the host scales it at 14 bit";
 
     const Decoded le = decodeInfo(c.command(addressed('B', 3), 41).data);
     EXPECT_EQ("LE  ", le.type);
@@ -171,6 +172,10 @@ TEST(SimReading, EachKindDecodesToItsIntendedScale) {
     EXPECT_NO_THROW(halfMillimetre.validate());
     halfMillimetre.setInfoFormat(SimInfoFormat::Old);
     EXPECT_THROW(halfMillimetre.validate(), std::invalid_argument) << "the identify range is whole millimetres";
+    SimModule oldHighResolution = SimModule::digitalProbe("GP00000011", 2);
+    oldHighResolution.setResolutionBits(16);
+    oldHighResolution.setGeneration(0);
+    EXPECT_THROW(oldHighResolution.validate(), std::invalid_argument);
 }
 
 TEST(SimReading, SignalsFollowTheMonotonicClock) {

@@ -21,6 +21,7 @@ const std::uint8_t kArgumentNotValid = 0x3F;
 const std::uint8_t kModeNotValid = 0x40;
 const std::uint8_t kAverageNotValid = 0x60;
 const std::uint8_t kResolutionNotValid = 0x62;
+const std::uint8_t kResolutionChangeNotAllowed = 0x63;
 
 // Where a probe keeps the averaging it uses, two bytes little-endian.
 const std::uint32_t kAveragingMemory = 0x801F076;
@@ -123,6 +124,9 @@ void SimModule::validate() const {
         (!isWhole(range_) || range_ > 65535)) {
         throw std::invalid_argument("probe " + identity_ +
                                     ": without a new-format info text the range must be whole millimetres");
+    }
+    if (kind_ == SimKind::DigitalProbe && (legacy_ || format_ == SimInfoFormat::Old) && resolutionBits_ != 14) {
+        throw std::invalid_argument("probe " + identity_ + ": without a new-format info text it stays at 14 bit");
     }
     if (kind_ == SimKind::Analogue && analogueScale(std::atoi(partNumber_.substr(1, 6).c_str())) == nullptr) {
         throw std::invalid_argument("analogue module " + identity_ + ": part number " + partNumber_ +
@@ -375,6 +379,10 @@ Bytes SimModule::setMode(unsigned mode, unsigned argument) {
         if (argument < 1 || argument > 256 || (argument & (argument - 1)) != 0) return refuse(kAverageNotValid);
         averaging_ = static_cast<int>(argument);
     } else if (mode == 51) {
+        // The host scales an old-scheme probe at 14 bit, whatever it asks.
+        if (kind_ == SimKind::DigitalProbe && (legacy_ || format_ == SimInfoFormat::Old)) {
+            return refuse(kResolutionChangeNotAllowed);
+        }
         if (argument != 14 && argument != 16 && argument != 18) return refuse(kResolutionNotValid);
         resolutionBits_ = static_cast<int>(argument);
     }
