@@ -70,24 +70,24 @@ const std::vector<Row>& rows() {
         {"ReadDiff2", {'X', 1}, 0, 9, 0, 'X', true, 255, 0, [](C c) { return code(K::KavroReadDiff2(c, 1)); }},
         {"Read3", {'a', 1, 2, 4, 0xFF, 0x0F, 2}, 2, 0, 'a', 'a', true, 255, 255, [](C c) {
              return K::KavroRead3(c, 1, 2, eRead3_ControlCode::TaggedInt7DPs, 0xFFF, eRead3_UOM::Mils).ErrorCode; }},
-        {"ReadBuffered1", {'Q', 1}, 2, 0, 'Q', 'Q', true, 253, 253,
+        {"ReadBuffered1", {'Q', 1}, 2, 0, 0, 'Q', true, 253, 253,
          [](C c) { return K::KavroReadBuffered1(c, 1).ErrorCode(); }},
-        {"ReadMemory", {'M', 1, 0x76, 0xF0, 0x01, 0x08, 2}, 0, 3, 'M', 'M', false, 0, 0,
+        {"ReadMemory", {'M', 1, 0x76, 0xF0, 0x01, 0x08, 2}, 0, 3, 0, 'M', false, 0, 0,
          [](C c) { return K::KavroReadMemory(c, 1, 0x801F076, 2).LinkStatus; }},
         {"ConfigRead", {'c', 1, 2, 1, 4, 3}, 0, 36, 'c', 'c', false, 0, 0,
          [](C c) { const auto r = K::KavroConfigRead(c, 1, 0x102, 0x304); delete[] r.Data; return r.LinkStatus; }},
         {"ConfigRead_Int", {'c', 1, 2, 0, 0, 0}, 0, 36, 'c', 'c', false, 0, 0,
          [](C c) { int value = 0; return K::KavroConfigRead_Int(c, 1, 2, value); }},
-        {"PipeReceive32", {'.', 1}, 0, 36, '.', '.', true, 255, 255,
+        {"PipeReceive32", {'.', 1}, 0, 36, 0, '.', true, 255, 255,
          [](C c) { return code(K::KavroPipeReceive32(c, 1)); }},
-        {"PassThroughTx", {'d', 1, 0, 3, 'A', '\r', '\n'}, 0, 2, 'd', 'd', true, 255, 0,
+        {"PassThroughTx", {'d', 1, 0, 3, 'A', '\r', '\n'}, 0, 2, 0, 'd', true, 255, 0,
          [](C c) { return code(K::KavroPassThroughTx(c, 1, 0, "A\r\n")); }},
-        {"PassThroughRx", {'e', 1, 5}, 2, 0, 'e', 'e', true, 255, 0,
+        {"PassThroughRx", {'e', 1, 5}, 2, 0, 0, 'e', true, 255, 0,
          [](C c) { return code(K::KavroPassThroughRx(c, 1, 5)); }},
         // The block writes are byte-checked with their checksums in their own tests.
         {"ConfigWrite", {}, 0, 2, 'b', 'b', false, 0, 0,
          [](C c) { unsigned char data[4] = {1, 2, 3, 4}; return K::KavroConfigWrite(c, 1, 2, 0, data, 4).LinkStatus; }},
-        {"PipeSend32", {}, 0, 2, '-', '-', true, 255, 0, [](C c) { return code(K::KavroPipeSend32(c, 1, block, 4)); }},
+        {"PipeSend32", {}, 0, 2, 0, '-', true, 255, 0, [](C c) { return code(K::KavroPipeSend32(c, 1, block, 4)); }},
     };
     // clang-format on
     return table;

@@ -1,5 +1,6 @@
 // Pass-through: text lines relayed by a wireless concentrator to and from one
-// of its devices.
+// of its devices. The link is told no echo, so that the concentrator's refusal
+// reaches the result instead of passing for silence.
 #include <cstring>
 #include <stdexcept>
 
@@ -24,7 +25,7 @@ KavroCheckedValueResult KavroCommands::KavroPassThroughTx(NetworkConfiguration* 
                                                     static_cast<unsigned char>(text.size())};
     std::memcpy(data + kTxHeader, text.data(), text.size());
     const int length = static_cast<int>(kTxHeader + text.size());
-    const CommandReply reply = exchange(config, CommandWithReply, data, length, 2, 'd');
+    const CommandReply reply = exchange(config, CommandWithReply, data, length, 2, 0);
 
     // Value is the concentrator's status: 0 when it took the line.
     KavroCheckedValueResult result;
@@ -36,7 +37,7 @@ KavroCheckedValueResult KavroCommands::KavroPassThroughTx(NetworkConfiguration* 
 
 KavroPassThroughRxResult KavroCommands::KavroPassThroughRx(NetworkConfiguration* config, int addr, int deviceIndex) {
     unsigned char data[3] = {'e', lowByte(addr), lowByte(deviceIndex)};
-    const CommandReply reply = exchange(config, CommandUnknownReply, data, sizeof data, 0, 'e');
+    const CommandReply reply = exchange(config, CommandUnknownReply, data, sizeof data, 0, 0);
     if (reply.status() == static_cast<std::uint32_t>(eKavroErrors::Timeout)) {
         throw std::runtime_error("Pass through Rx timed out.");
     }

@@ -1,4 +1,5 @@
-// The pipe: 32-byte blocks to and from a module, checksummed both ways.
+// The pipe: 32-byte blocks to and from a module, checksummed both ways. The
+// link is told no echo, so that a module's refusal reaches the result.
 #include <cstring>
 #include <stdexcept>
 
@@ -25,7 +26,7 @@ KavroCheckedValueResult KavroCommands::KavroPipeSend32(NetworkConfiguration* con
     const std::uint16_t sum = CheckSum(block, kSendLength - 2);
     block[35] = static_cast<unsigned char>(sum);
     block[36] = static_cast<unsigned char>(sum >> 8);
-    const CommandReply reply = exchange(config, CommandWithReply, block, kSendLength, 2, '-');
+    const CommandReply reply = exchange(config, CommandWithReply, block, kSendLength, 2, 0);
 
     KavroCheckedValueResult result;
     result.LinkStatus = reply.status();
@@ -37,7 +38,7 @@ KavroCheckedValueResult KavroCommands::KavroPipeSend32(NetworkConfiguration* con
 KavroPipeReceiveResult KavroCommands::KavroPipeReceive32(NetworkConfiguration* config, int addr) {
     unsigned char data[2] = {'.', lowByte(addr)};
     const CommandReply reply =
-        exchange(config, CommandWithReply, data, sizeof data, static_cast<int>(kReceiveReplyLength), '.');
+        exchange(config, CommandWithReply, data, sizeof data, static_cast<int>(kReceiveReplyLength), 0);
 
     KavroPipeReceiveResult result;
     result.LinkStatus = reply.status();

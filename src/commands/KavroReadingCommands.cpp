@@ -55,7 +55,9 @@ KavroReadburstResult KavroCommands::Readburst(NetworkConfiguration* config, int 
 
 KavroReadBufferedResult KavroCommands::KavroReadBuffered1(NetworkConfiguration* config, int addr) {
     unsigned char data[2] = {'Q', lowByte(addr)};
-    const CommandReply reply = exchange(config, CommandUnknownReply, data, sizeof data, 0, 'Q');
+    // No echo is named to the link: the refusals BUFFER_FULL and BFR_EMPTY_STOP
+    // steer the read-out and must not turn into time-outs.
+    const CommandReply reply = exchange(config, CommandUnknownReply, data, sizeof data, 0, 0);
 
     KavroReadBufferedResult result;
     result.LinkStatus = reply.status();
@@ -89,7 +91,7 @@ KavroReadMemoryResult KavroCommands::KavroReadMemory(NetworkConfiguration* confi
                              lowByte(count)};
     const int replyLength = 1 + count;
     const CommandReply reply =
-        exchange(config, CommandWithReply, data, sizeof data, replyLength, 'M', replyLength > kShortReplyLimit);
+        exchange(config, CommandWithReply, data, sizeof data, replyLength, 0, replyLength > kShortReplyLimit);
 
     KavroReadMemoryResult result;
     result.LinkStatus = reply.status();
