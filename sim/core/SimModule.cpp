@@ -25,7 +25,6 @@ const std::uint8_t kResolutionChangeNotAllowed = 0x63;
 
 // Where a probe keeps the averaging it uses, two bytes little-endian.
 const std::uint32_t kAveragingMemory = 0x801F076;
-const unsigned kMaxMemoryRead = 64;
 const unsigned kConfigBlock = 32;
 
 Bytes refuse(std::uint8_t errorByte) { return Bytes{'!', errorByte}; }
@@ -417,7 +416,6 @@ Bytes SimModule::readMemory(const Bytes& command) const {
     if (command.size() < 7) return refuse(kFramingError);
     const std::uint32_t start = getLe32(command, 2);
     const unsigned count = command[6];
-    if (count > kMaxMemoryRead) return refuse(kArgumentNotValid);
     Bytes reply{'M'};
     for (unsigned i = 0; i < count; ++i) {
         const std::uint32_t at = start + i;
