@@ -64,11 +64,12 @@ struct KavroIdentityResult {  // notify and get-probe-ID
     std::uint32_t LinkStatus = 255;
     char Identity[8] = {};
     char IdentitySuffix[2] = {};
-    std::string IdentityText() const;
+    std::string IdentityText() const;  // the 10 characters; empty when none were taken
 };
 
 struct KavroIdentifyResult {
     std::uint32_t LinkStatus = 255;
+    unsigned char Echo = 0;       // first reply byte ('I', or '!' for a refusal); 0 when nothing came
     char Identity[8] = {};        // reply bytes 1-8
     char IdentitySuffix[2] = {};  // 9-10
     char PartNumber[8] = {};      // 11-18
@@ -84,6 +85,7 @@ struct KavroIdentifyResult {
 
 struct KavroGetInfoResult {
     std::uint32_t LinkStatus = 255;
+    unsigned char Echo = 0;                   // first reply byte ('B', or '!' 0x03 from a first-generation module)
     char TypeText[4] = {' ', ' ', ' ', ' '};  // reply bytes 1-4
     std::uint16_t FirmwareVersion = 0;        // 5-6, hundredths
     std::uint16_t StrokeCode = 0;             // 7-8
@@ -122,7 +124,7 @@ struct KavroRead2Result {
 
 struct KavroReadburstResult {
     std::uint32_t LinkStatus = 255;
-    unsigned char* Data = nullptr;  // new[]; the caller frees it with delete[]
+    unsigned char* Data = nullptr;  // new[]; the caller frees it with delete[]; null when DataLength is 0
     int DataLength = 0;
 };
 
@@ -221,6 +223,7 @@ public:
     static KavroRead3Result KavroRead3(NetworkConfiguration* config, int addr, int deviceIndex,
                                        eRead3_ControlCode code, int channelMask, eRead3_UOM uom);
     static KavroReadBufferedResult KavroReadBuffered1(NetworkConfiguration* config, int addr);
+    // Throws std::runtime_error for a count outside 0 to 255, before sending.
     static KavroReadMemoryResult KavroReadMemory(NetworkConfiguration* config, int addr, std::uint32_t memoryAddress,
                                                  int count);
 
@@ -257,6 +260,8 @@ public:
     static KavroPipeReceiveResult KavroPipeReceive32(NetworkConfiguration* config, int addr);
     static KavroCheckedValueResult KavroPassThroughTx(NetworkConfiguration* config, int addr, int deviceIndex,
                                                       std::string text);
+    // Throws "Pass through Rx timed out." when nothing arrived (status 255) and
+    // "Kavro passthrough reply too long" for more than 128 characters.
     static KavroPassThroughRxResult KavroPassThroughRx(NetworkConfiguration* config, int addr, int deviceIndex);
 };
 

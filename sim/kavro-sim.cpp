@@ -1,0 +1,99 @@
+// kavro-sim: serves the controllers and modules of a scenario file over
+// loopback TCP and pseudo-terminals, so that an application can be
+// developed and tried without the hardware.
+#include <pthread.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <iostream>
+#include <mutex>
+#include <string>
+
+#include "core/KavroSim.h"
+
+namespace {
+
+const char* const kUsage = R"(Usage: kavro-sim [--scenario FILE] [--trace] [--help]
+
+Starts the simulated controllers of a scenario, prints where each one
+listens (Ethernet: address and port 10001; serial: the pseudo-terminal to
+open as the RS-232 line) and the modules on its bus, and serves them until
+interrupted (Ctrl+C, SIGINT, SIGTERM or SIGHUP).
+
+  --scenario FILE   the scenario to run (default: the shipped default.scn)
+  --trace           print every request a controller receives and its answer
+  --help            this text
+
+)";
+
+bool readable(const std::string& path) { return access(path.c_str(), R_OK) == 0; }
+
+std::string defaultScenario() {
+    for (const char* path : {KAVRO_SIM_SCENARIO_INSTALLED, KAVRO_SIM_SCENARIO_SOURCE}) {
+        if (readable(path)) return path;
+    }
+    return KAVRO_SIM_SCENARIO_INSTALLED;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::string scenarioPath;
+    bool trace = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "--help" || arg == "-h") {
+            std::cout << kUsage << kavrosim::scenarioFormatHelp();
+            return 0;
+        }
+        if (arg == "--trace") {
+            trace = true;
+        } else if (arg == "--scenario" && i + 1 < argc) {
+            scenarioPath = argv[++i];
+        } else if (arg.rfind("--scenario=", 0) == 0) {
+            scenarioPath = arg.substr(std::strlen("--scenario="));
+        } else {
+            std::cerr << "kavro-sim: unknown argument '" << arg << "'\nTry 'kavro-sim --help'.\n";
+            return 2;
+        }
+    }
+    if (scenarioPath.empty()) scenarioPath = defaultScenario();
+
+    // The faces' threads inherit this mask, so the signals reach only the
+    // sigwait below.
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGINT);
+    sigaddset(&stopSignals, SIGTERM);
+    sigaddset(&stopSignals, SIGHUP);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+
+    std::mutex printing;  // outlives the session whose threads print
+    try {
+        kavrosim::SimSession session(kavrosim::loadScenario(scenarioPath));
+        for (std::size_t i = 0; i < session.size(); ++i) {
+            kavrosim::SimController& controller = session.controller(i);
+            controller.setRequestLogLimit(1000);
+            if (!trace) continue;
+            const std::string name = controller.config().identity;
+            controller.setObserver(
+                [&printing, name](const kavrosim::SimRequest& request, const kavrosim::SimAnswer& answer) {
+                    std::lock_guard<std::mutex> lock(printing);
+                    std::cout << name << "  " << request.describe() << "  ->  " << answer.describe() << std::endl;
+                });
+        }
+        session.start();
+        std::cout << "kavro-sim: scenario " << scenarioPath << "\n"
+                  << session.describe() << "Running; Ctrl+C stops.\n"
+                  << std::flush;
+        int received = 0;
+        sigwait(&stopSignals, &received);
+        std::cout << "kavro-sim: stopping on " << strsignal(received) << "\n" << std::flush;
+        session.stop();
+    } catch (const std::exception& error) {
+        std::cerr << "kavro-sim: " << error.what() << "\n";
+        return 1;
+    }
+    return 0;
+}

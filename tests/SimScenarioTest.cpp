@@ -1,0 +1,228 @@
+// Scenario files, sessions built from them, and the kavro-sim program.
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <regex>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "SimTestClient.h"
+#include "TempDir.h"
+
+using namespace kavrosim;
+using namespace simtest;
+
+namespace {
+
+SimScenario parse(const std::string& text) {
+    std::istringstream in(text);
+    return parseScenario(in, "test.scn");
+}
+
+std::string parseError(const std::string& text) {
+    try {
+        parse(text);
+    } catch (const SimScenarioError& error) {
+        return error.what();
+    }
+    return "(no error)";
+}
+
+// Runs kavro-sim with `args`, reading its output through a pipe.
+class Program {
+public:
+    explicit Program(std::vector<std::string> args) {
+        int out[2];
+        if (pipe2(out, O_CLOEXEC) != 0) throw std::runtime_error("pipe");
+        pid_ = fork();
+        if (pid_ == 0) {
+            dup2(out[1], 1);
+            dup2(out[1], 2);
+            std::vector<char*> argv;
+            static std::string program = KAVRO_BINARY_DIR "/sim/kavro-sim";
+            argv.push_back(program.data());
+            for (auto& arg : args) argv.push_back(arg.data());
+            argv.push_back(nullptr);
+            execv(argv[0], argv.data());
+            _exit(127);
+        }
+        close(out[1]);
+        fd_ = out[0];
+    }
+    ~Program() {
+        if (pid_ > 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, nullptr, 0);
+        }
+        close(fd_);
+    }
+
+    // Output until `marker` appears or the output ends, within the bound.
+    std::string readUntil(const std::string& marker, std::chrono::milliseconds bound = 5000ms) {
+        const auto deadline = std::chrono::steady_clock::now() + bound;
+        while (output_.find(marker) == std::string::npos) {
+            const auto left =
+                std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+            pollfd watch{fd_, POLLIN, 0};
+            if (left.count() <= 0 || poll(&watch, 1, static_cast<int>(left.count())) <= 0) break;
+            char buffer[512];
+            const ssize_t n = read(fd_, buffer, sizeof buffer);
+            if (n <= 0) break;
+            output_.append(buffer, static_cast<std::size_t>(n));
+        }
+        return output_;
+    }
+
+    // The exit status once the output has ended.
+    int exitStatus() {
+        readUntil("\x01(end)");
+        int status = 0;
+        waitpid(pid_, &status, 0);
+        pid_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    void signal(int number) { kill(pid_, number); }
+
+private:
+    pid_t pid_ = -1;
+    int fd_ = -1;
+    std::string output_;
+};
+
+}  // namespace
+
+TEST(SimScenario, DefaultScenarioDescribesBothControllers) {
+    const SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
+    ASSERT_EQ(2u, scenario.controllers.size());
+    const auto& ethernet = scenario.controllers[0];
+    EXPECT_EQ(SimFaceKind::Ethernet, ethernet.face);
+    EXPECT_EQ("127.0.0.1", ethernet.address);
+    EXPECT_EQ("Bench ETHIM", ethernet.config.description);
+    int probes = 0;
+    for (const auto& module : ethernet.modules) probes += module.kind() == SimKind::DigitalProbe;
+    EXPECT_GE(probes, 3);
+    EXPECT_EQ(SimFaceKind::Serial, scenario.controllers[1].face);
+    EXPECT_EQ(2u, scenario.controllers[1].modules.size());
+}
+
+TEST(SimScenario, SettingsReachControllersAndModules) {
+    const SimScenario scenario = parse(R"(
+# comment line
+controller ethernet auto identity=ETHBENCH01 type=ETH2 firmware=152 description="Line 4 rig" speeds=low,high
+  module probe GP00000001 range=5 resolution=16 averaging=32 generation=2 signal=sine:2.5,1,3   # trailing comment
+  module encoder LE00000002 cpu=500 range=100 format=old address=3 speed=high announce=yes
+  module analogue DA00000003 part=630123 signal=constant:20
+  module diom DI00000004 model=IO8 part=P123456B
+controller serial link=/tmp/kavro-test-line
+  module encoder-input DE00000005 cpu=36 firmware=99
+)");
+    ASSERT_EQ(2u, scenario.controllers.size());
+    const auto& first = scenario.controllers[0];
+    EXPECT_TRUE(first.address.empty()) << "auto picks a free loopback address";
+    EXPECT_EQ("ETHBENCH01", first.config.identity);
+    EXPECT_EQ("ETH2", first.config.typeCode);
+    EXPECT_EQ(152, first.config.firmwareNumber);
+    EXPECT_EQ("Line 4 rig", first.config.description);
+    EXPECT_EQ((std::vector<SimSpeed>{SimSpeed::Low, SimSpeed::High}), first.config.supportedSpeeds());
+    ASSERT_EQ(4u, first.modules.size());
+    const SimModule& probe = first.modules[0];
+    EXPECT_EQ(5.0, probe.range());
+    EXPECT_EQ(16, probe.resolutionBits());
+    EXPECT_EQ(32, probe.averaging());
+    EXPECT_EQ(2, probe.generation());
+    EXPECT_EQ("sine:2.5,1,3", probe.signal().text());
+    const SimModule& encoder = first.modules[1];
+    EXPECT_EQ(SimInfoFormat::Old, encoder.infoFormat());
+    EXPECT_EQ(3, encoder.address());
+    EXPECT_EQ(SimSpeed::High, encoder.speed());
+    EXPECT_TRUE(encoder.announcing());
+    EXPECT_EQ(20000.0, encoder.scale().countsPerUnit) << "the old scheme fixes the encoder's scale";
+    EXPECT_EQ("P630123A", first.modules[2].partNumber());
+    EXPECT_EQ("IO8 ", first.modules[3].model());
+    EXPECT_EQ("/tmp/kavro-test-line", scenario.controllers[1].link);
+    EXPECT_EQ(1, scenario.controllers[1].modules[0].generation());
+}
+
+TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
+    const std::string controller = "controller ethernet auto\n";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "names no controller"},
+        {"module probe GP00000001 range=2\n", "test.scn:1: a module line must follow a controller line"},
+        {"controller usb\n", "test.scn:1: unknown controller face 'usb'"},
+        {"controller ethernet\n", "needs an address"},
+        {"controller ethernet auto identity=SHORT\n", "identity 'SHORT' must be 10 characters"},
+        {"controller serial speeds=low,warp\n", "unknown speed 'warp'"},
+        {"controller ethernet 127.0.0.9\ncontroller ethernet 127.0.0.9\n", "test.scn:2: another controller"},
+        {"controller ethernet auto link=/tmp/x\n", "only a serial controller has a link"},
+        {controller + "modul probe GP00000001\n", "test.scn:2: unknown line 'modul'"},
+        {controller + "module prob GP00000001\n", "unknown module kind 'prob'"},
+        {controller + "module probe GP00000001\n", "a probe needs range=MILLIMETRES"},
+        {controller + "module probe GP0001 range=2\n", "must be exactly 10 characters"},
+        {controller + "module probe GP00000001 range=two\n", "range 'two' is not a number"},
+        {controller + "module probe GP00000001 range=2 colour=red\n", "unknown setting 'colour'"},
+        {controller + "module probe GP00000001 range=2 range=3\n", "'range' is given twice"},
+        {controller + "module probe GP00000001 range=2 generation=4\n", "generation '4' must be"},
+        {controller + "module probe GP00000001 range=2 resolution=15\n", "resolution must be 14, 16 or 18"},
+        {controller + "module probe GP00000001 range=2 signal=sine:1\n", "must be written sine:MEAN"},
+        {controller + "module probe GP00000001 range=2.5 format=old\n", "whole millimetres"},
+        {controller + "module analogue DA00000001 part=630199\n", "part number '630199'"},
+        {controller + "module dio2 DO00000001 cpu=3\n", "only encoders take cpu"},
+        {controller + "module dio2 DO00000001 description=\"open\n", "a quote is not closed"},
+        {controller + "module dio2 DO00000001\nmodule diom DO00000001\n",
+         "test.scn:3: the identity DO00000001 is already used on line 2"},
+    };
+    for (const auto& [text, expected] : cases) {
+        const std::string error = parseError(text);
+        EXPECT_NE(std::string::npos, error.find(expected)) << "scenario:\n" << text << "error: " << error;
+    }
+    EXPECT_THROW(loadScenario("/nonexistent/scenario.scn"), SimScenarioError);
+}
+
+TEST(SimScenario, SessionServesEveryController) {
+    SimSession session(
+        parse("controller ethernet auto\nmodule probe GP00000001 range=2 address=1\n"
+              "controller serial\nmodule dio2 DO00000001 address=1 signal=constant:9\n"));
+    session.start();
+    auto ethernet = WireClient::tcp(session.face(0).location());
+    EXPECT_EQ('L', ethernet->command(addressed('L', 1), 5).data.at(0));
+    auto serial = WireClient::serial(session.face(1).location());
+    EXPECT_EQ((Bytes{'1', 9, 0}), serial->command(addressed('1', 1), 3).data);
+    const std::string description = session.describe();
+    EXPECT_NE(std::string::npos, description.find("on ethernet " + session.face(0).location() + ":10001"));
+    EXPECT_NE(std::string::npos, description.find("DO00000001"));
+    session.stop();
+    EXPECT_FALSE(session.face(0).running());
+    EXPECT_FALSE(session.face(1).running());
+}
+
+TEST(SimScenario, ProgramServesUntilTerminated) {
+    TempDir dir;
+    const std::string scenario =
+        dir.write("bench.scn", "controller ethernet auto\nmodule probe GP00000001 range=2\ncontroller serial\n");
+    Program program({"--trace", "--scenario", scenario});
+    const std::string output = program.readUntil("Running");
+    std::smatch where;
+    ASSERT_TRUE(std::regex_search(output, where, std::regex("on ethernet ([0-9.]+):10001"))) << output;
+    EXPECT_NE(std::string::npos, output.find("GP00000001"));
+    EXPECT_NE(std::string::npos, output.find("on serial /dev/pts/"));
+    auto client = WireClient::tcp(where[1]);
+    client->send(text(std::string("I\0\0", 3)));
+    EXPECT_EQ(34u, client->receive(34).size());
+    EXPECT_NE(std::string::npos, program.readUntil("->").find("identify [49 00 00]  ->  status 0"));
+    program.signal(SIGTERM);
+    EXPECT_EQ(0, program.exitStatus());
+
+    Program help({"--help"});
+    EXPECT_NE(std::string::npos, help.readUntil("SEED").find("Scenario format"));
+    EXPECT_EQ(0, help.exitStatus());
+    Program broken({"--scenario", dir.write("bad.scn", "controller ethernet auto\nmodule probe X range=2\n")});
+    EXPECT_NE(std::string::npos, broken.readUntil("characters").find("bad.scn:2:"));
+    EXPECT_EQ(1, broken.exitStatus());
+    Program unknown({"--verbose"});
+    EXPECT_EQ(2, unknown.exitStatus());
+}

@@ -1,0 +1,94 @@
+// The serial face on a pseudo-terminal.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "SimTestClient.h"
+#include "TempDir.h"
+
+using namespace kavrosim;
+using namespace simtest;
+
+TEST(SimSerialFace, FramesWithoutTrailingBytes) {
+    SimController controller(SimControllerConfig::serial("SERSIM0001"));
+    SimModule probe = SimModule::digitalProbe("GP00000001", 2);
+    probe.setAddress(1);
+    probe.setSignal(SimSignal::constant(1));
+    controller.addModule(probe);
+    SimSerialFace face(controller);
+    face.start();
+    EXPECT_EQ(0u, face.slavePath().rfind("/dev/pts/", 0));
+    auto c = WireClient::serial(face.slavePath());
+
+    c->send(text(std::string("I\0\0", 3)));
+    const Bytes identify = c->receive(32);
+    ASSERT_EQ(32u, identify.size());
+    EXPECT_EQ("SERSIM0001", std::string(identify.begin() + 3, identify.begin() + 13));
+    c->send(text(std::string("B\0\0", 3)));
+    const Bytes info = c->receive(43);
+    ASSERT_EQ(43u, info.size());
+    EXPECT_EQ("232I", std::string(info.begin() + 3, info.begin() + 7));
+    EXPECT_EQ(160, le(info, 7, 2));
+
+    c->send(Bytes{0x0A, 6, 5});
+    EXPECT_EQ((Bytes{0, 0}), c->receive(2));
+    EXPECT_EQ(6, controller.requestLog().back().baudIndex);
+    EXPECT_EQ(SimSpeed::High, controller.busSpeed());
+    c->send(Bytes{0x0A, 6, 6});
+    EXPECT_EQ((Bytes{1, 0}), c->receive(2)) << "a serial controller offers no UltraHigh";
+    c->send(Bytes{0x10});
+    EXPECT_EQ((Bytes{0, 0}), c->receive(2));
+
+    c->send(Bytes{0x0A, 6, 0});
+    c->receive(2);
+    EXPECT_EQ((Bytes{'L', 0, 0x20, 0, 0}), c->command(addressed('L', 1), 5).data);
+    EXPECT_TRUE(c->silentFor(100ms)) << "nothing follows the reply";
+    c->send(Bytes{0x02, 30, 2, 'I', 9});
+    EXPECT_EQ((Bytes{255, 0}), c->receive(2));
+    c->send(Bytes{0x20, 0x01, 0x2C, 2, 'T', 0});
+    EXPECT_EQ((Bytes{0, 0, 1, 'T'}), c->receive(4)) << "long header, high byte first";
+
+    // A line cannot be closed: the request is dropped and the line goes on.
+    controller.injectFault(SimFault::closeConnection());
+    c->send(Bytes{0x02, 5, 2, 'L', 1});
+    EXPECT_TRUE(c->silentFor(200ms));
+    EXPECT_EQ('L', c->command(addressed('L', 1), 5).data.at(0));
+
+    // The line outlives a host that closes and reopens it.
+    c.reset();
+    c = WireClient::serial(face.slavePath());
+    EXPECT_EQ('L', c->command(addressed('L', 1), 5).data.at(0));
+    face.stop();
+    EXPECT_FALSE(face.running());
+}
+
+TEST(SimSerialFace, LinkPathFollowsTheFace) {
+    TempDir dir;
+    SimController controller(SimControllerConfig::serial("SERSIM0001"));
+    const std::string link = (dir.path() / "kavro-line").string();
+    {
+        SimSerialFace face(controller, link);
+        face.start();
+        EXPECT_EQ(link, face.location());
+        EXPECT_EQ(face.slavePath(), std::filesystem::read_symlink(link).string());
+        auto c = WireClient::serial(link);
+        c->send(text(std::string("I\0\0", 3)));
+        EXPECT_EQ(32u, c->receive(32).size());
+    }
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(link)));
+
+    // A stale link is replaced; a real file is never.
+    std::filesystem::create_symlink("/nonexistent", link);
+    SimSerialFace stale(controller, link);
+    stale.start();
+    EXPECT_EQ(stale.slavePath(), std::filesystem::read_symlink(link).string());
+    stale.stop();
+    const std::string file = dir.write("plain", "keep me");
+    SimSerialFace refused(controller, file);
+    EXPECT_THROW(refused.start(), std::runtime_error);
+    EXPECT_FALSE(refused.running());
+    EXPECT_TRUE(std::filesystem::is_regular_file(file));
+}
