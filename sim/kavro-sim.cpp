@@ -84,9 +84,13 @@ int main(int argc, char** argv) {
                 });
         }
         session.start();
-        std::cout << "kavro-sim: scenario " << scenarioPath << "\n"
-                  << session.describe() << "Running; Ctrl+C stops.\n"
-                  << std::flush;
+        std::cout << "kavro-sim: scenario " << scenarioPath << "\n" << session.describe();
+        if (session.usbControllersLeftOut() > 0) {
+            std::cout << "USB controllers (" << session.usbControllersLeftOut()
+                      << ") are not served here: the application loads the stand-in libftd2xx.so\n"
+                      << "  with KAVRO_SIM_USB_SCENARIO=" << scenarioPath << "\n";
+        }
+        std::cout << "Running; Ctrl+C stops.\n" << std::flush;
         int received = 0;
         sigwait(&stopSignals, &received);
         std::cout << "kavro-sim: stopping on " << strsignal(received) << "\n" << std::flush;
