@@ -165,7 +165,8 @@ SimScenarioController parseController(const LineReader& reader, const std::vecto
     const std::string& face = words[1].text;
     if (face == "ethernet" || face == "wireless") {
         if (words.size() < 3 || words[2].text.find('=') != std::string::npos) {
-            reader.fail("an " + face + " controller needs an address (an IPv4 address or auto)");
+            reader.fail(std::string(face == "ethernet" ? "an " : "a ") + face +
+                        " controller needs an address (an IPv4 address or auto)");
         }
         controller.address = words[2].text == "auto" ? "" : words[2].text;
         if (face == "ethernet") {
