@@ -9,6 +9,8 @@
 
 namespace KavroLibrary {
 
+// Fields are public: the module classes read the decoded values and adjust
+// ResolutionFactor, SizeOffset and FullScale as their settings change.
 class KavroReadType {
 public:
     KavroReadType() = default;
@@ -73,6 +75,13 @@ public:
     eGeneration Generation = eGeneration::Classic;
     double SizeOffset = 0.0;
     std::int32_t FullScale = 16384;
+
+private:
+    void DescribeNewFormat();
+    void ScaleFromProbeRange();
+    void SetProbe(const char* description, int readFormat);
+    void SetCounter(const char* description, eModuleType type, int readFormat);
+    double Factor() const;
 };
 
 }  // namespace KavroLibrary
