@@ -44,6 +44,14 @@ std::string NewFormatInfo(const std::string& countsPerUnit, char readFormat, int
     return text;
 }
 
+FakeModule FakeProbe(const std::string& identity, std::uint16_t firmware, bool newFormat) {
+    FakeModule probe;
+    probe.identity = identity;
+    probe.firmware = firmware;
+    if (newFormat) probe.infoText = NewFormatInfo();
+    return probe;
+}
+
 FakeModuleBus::FakeModuleBus(NetworkConfiguration* config) : config_(config) {
     {
         std::lock_guard<std::mutex> guard(registryLock());
@@ -240,7 +248,7 @@ std::optional<FakeModuleBus::Bytes> FakeModuleBus::answer(const Bytes& command) 
             appendWord(out, module->statusWord);
             return out;
         case 'M':
-            if (!module->memoryAnswers) return std::nullopt;
+            if (module->memoryError != 0) return refusal(module->memoryError);
             out.insert(out.end(), module->memory.begin(), module->memory.end());
             return out;
         default:

@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <iostream>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -27,7 +29,7 @@ struct FakeModule {
     std::uint32_t reading = 0;            // what reads return
     int readError = 0;                    // module error byte of reads (0 = good)
     std::vector<unsigned char> memory;    // answer bytes of read memory (after the echo)
-    bool memoryAnswers = true;
+    int memoryError = 0;                  // error byte for read-memory refusals (0 = answer)
     std::uint16_t statusWord = 0;
     int statusError = 0;
     int refuseSetMode = 0;                // error byte for set-mode refusals (0 = accept)
@@ -36,6 +38,25 @@ struct FakeModule {
 // A new-format information text with this many counts per millimetre, read
 // format and resolution factor.
 std::string NewFormatInfo(const std::string& countsPerUnit = "8192.000", char readFormat = '0', int factor = 1);
+
+// A probe of 2 mm range, 8192 counts per mm, read with two words; a
+// firmware below 150 makes it an earlier generation. `newFormat` false leaves
+// the information text blank, so that the module is decoded the older way.
+FakeModule FakeProbe(const std::string& identity, std::uint16_t firmware = 150, bool newFormat = true);
+
+// Collects what is written to the standard error stream while it lives.
+class CerrCapture {
+public:
+    CerrCapture() : previous_(std::cerr.rdbuf(captured_.rdbuf())) {}
+    ~CerrCapture() { std::cerr.rdbuf(previous_); }
+    CerrCapture(const CerrCapture&) = delete;
+    CerrCapture& operator=(const CerrCapture&) = delete;
+    std::string text() const { return captured_.str(); }
+
+private:
+    std::ostringstream captured_;
+    std::streambuf* previous_;
+};
 
 class FakeModuleBus {
 public:
