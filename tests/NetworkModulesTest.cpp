@@ -25,9 +25,10 @@ using Bytes = FakeModuleBus::Bytes;
 namespace {
 
 Bytes setAddress(const std::string& identity, int address) {
-    Bytes bytes{'S', static_cast<unsigned char>(address)};
-    bytes.insert(bytes.end(), identity.begin(), identity.end());
-    bytes.push_back(0);
+    Bytes bytes(13, 0);
+    bytes[0] = 'S';
+    bytes[1] = static_cast<unsigned char>(address);
+    for (std::size_t i = 0; i < 10 && i < identity.size(); ++i) bytes[2 + i] = static_cast<unsigned char>(identity[i]);
     return bytes;
 }
 

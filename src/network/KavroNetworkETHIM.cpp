@@ -1,7 +1,5 @@
 #include "KavroNetworkETHIM.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <iostream>
 #include <utility>
@@ -31,15 +29,11 @@ KavroNetworkETHIM::~KavroNetworkETHIM() {
     closeSocket();
 }
 
-void KavroNetworkETHIM::closeSocket() {
-    if (config_->SocketFd >= 0) ::close(config_->SocketFd);
-    config_->SocketFd = -1;
-}
+void KavroNetworkETHIM::closeSocket() { KavroLibrary::closeSocket(config_.get()); }
 
 void KavroNetworkETHIM::Connect() {
     if (config_->Connected) Disconnect();
     KavroNetwork::Connect();
-    closeSocket();  // a socket left from a failed attempt
     openSocket(config_.get());
     if (config_->InitNetworkHook != nullptr && config_->InitNetworkHook(config_.get())) {
         UpdateCapabilitiesETHIM(config_.get());

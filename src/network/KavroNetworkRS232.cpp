@@ -1,7 +1,5 @@
 #include "KavroNetworkRS232.h"
 
-#include <unistd.h>
-
 #include <utility>
 
 #include "links/NetworkConfiguration.h"
@@ -30,15 +28,12 @@ KavroNetworkRS232::~KavroNetworkRS232() {
     closeLine();
 }
 
-void KavroNetworkRS232::closeLine() {
-    if (config_->SocketFd >= 0) ::close(config_->SocketFd);
-    config_->SocketFd = -1;
-}
+void KavroNetworkRS232::closeLine() { RS232CloseLine(config_.get()); }
 
 void KavroNetworkRS232::Connect() {
     if (config_->Connected) Disconnect();
     KavroNetwork::Connect();
-    if (!RS232OpenLine(config_.get())) return;
+    if (RS232OpenLine(config_.get()) < 0) return;  // reported by the link
     if (config_->InitNetworkHook != nullptr && config_->InitNetworkHook(config_.get())) {
         UpdateCapabilitiesRS232(config_.get());
         if (config_->ResetAllSpeedsHook != nullptr) config_->ResetAllSpeedsHook(config_.get());
