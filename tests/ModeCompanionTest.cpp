@@ -74,8 +74,7 @@ TEST_F(ModeSettings, BufferedIntervalRules) {
 
     network.Configuration()->ActiveOperation = OperationDifference;
     EXPECT_EQ("Cannot change OTUs whilst the network is busy", messageOf([&] { buffered->setOTUs(80); }));
-    EXPECT_EQ("Cannot change OTUs whilst the network is busy",
-              messageOf([&] { buffered->setReadingInterval(8000); }));
+    EXPECT_EQ("Cannot change OTUs whilst the network is busy", messageOf([&] { buffered->setReadingInterval(8000); }));
     EXPECT_EQ("Cannot change buffered mode whilst the network is busy",
               messageOf([&] { buffered->setMode(eBufferedMode::Sync); }));
     EXPECT_EQ("Cannot change module buffered state whilst the network is busy",
@@ -152,9 +151,10 @@ TEST_F(ModeSettings, EncoderInputMasterHooks) {
     EXPECT_EQ("", master->ValidateDynamicMaster());
 
     KavroModuleDP* probe = addModule<KavroModuleDP>(eModuleType::DP);
-    EXPECT_EQ("Unexpected error: Attempt to setup a dynamic master on a module that is not dynamic master "
-              "capable.\n",
-              probe->SetupDynamicMaster(1, 0, eDynamicRate::Rate4K));
+    EXPECT_EQ(
+        "Unexpected error: Attempt to setup a dynamic master on a module that is not dynamic master "
+        "capable.\n",
+        probe->SetupDynamicMaster(1, 0, eDynamicRate::Rate4K));
     EXPECT_EQ("This module is not dynamic capable.\n", probe->ValidateDynamicMaster());
     KavroModuleEIM* early = addModule<KavroModuleEIM>(eModuleType::LEIM);
     EXPECT_EQ("This module is not dynamic capable.\n", early->ValidateDynamicMaster());

@@ -143,8 +143,7 @@ TEST(KavroNetworkRS232, ConnectInitialisesAndResetsAtEverySpeed) {
     peer.join();
     const Bytes reset{0x00, 0x02, 'R', 0x00};
     const std::vector<Bytes> expected{
-        {'B', 0, 0}, {'I', 0, 0},  {0x0A, 6, 0}, reset, {0x0A, 6, 5}, reset, {0x0A, 6, 0},
-        reset,       {0x0A, 6, 0},
+        {'B', 0, 0}, {'I', 0, 0}, {0x0A, 6, 0}, reset, {0x0A, 6, 5}, reset, {0x0A, 6, 0}, reset, {0x0A, 6, 0},
     };
     EXPECT_EQ(expected, requests);
     close(controller);

@@ -32,7 +32,9 @@ Bytes setAddress(const std::string& identity, int address) {
     return bytes;
 }
 
-Bytes setMode(int address, int mode) { return {'V', static_cast<unsigned char>(address), static_cast<unsigned char>(mode), 0, 0, 0}; }
+Bytes setMode(int address, int mode) {
+    return {'V', static_cast<unsigned char>(address), static_cast<unsigned char>(mode), 0, 0, 0};
+}
 
 const Bytes kApplySpeed{'W', 0, 10};
 
@@ -115,11 +117,11 @@ TEST(AddModule, ClassFollowsTheDecodedKind) {
         const std::type_info& type;
     };
     const Kind kinds[] = {
-        {"DP  ", typeid(KavroModuleDP)},   {"DA  ", typeid(KavroModuleAIM)},  {"LE  ", typeid(KavroModuleLE)},
-        {"DE  ", typeid(KavroModuleEIM)},  {"DH  ", typeid(KavroModuleLEIM)}, {"DIOM", typeid(KavroModuleDIOM)},
-        {"DIM ", typeid(KavroModuleDIM)},  {"DP2 ", typeid(KavroModuleLTH)},  {"DP1 ", typeid(KavroModuleLT)},
-        {"WCM ", typeid(KavroModuleWCM)},  {"DIO2", typeid(KavroModuleDIOM2)}, {"DP4 ", typeid(KavroModuleAGM)},
-        {"DP5 ", typeid(KavroModuleLTA)},  {"DP3 ", typeid(KavroModule)},     {"BASE", typeid(KavroModule)},
+        {"DP  ", typeid(KavroModuleDP)},  {"DA  ", typeid(KavroModuleAIM)},   {"LE  ", typeid(KavroModuleLE)},
+        {"DE  ", typeid(KavroModuleEIM)}, {"DH  ", typeid(KavroModuleLEIM)},  {"DIOM", typeid(KavroModuleDIOM)},
+        {"DIM ", typeid(KavroModuleDIM)}, {"DP2 ", typeid(KavroModuleLTH)},   {"DP1 ", typeid(KavroModuleLT)},
+        {"WCM ", typeid(KavroModuleWCM)}, {"DIO2", typeid(KavroModuleDIOM2)}, {"DP4 ", typeid(KavroModuleAGM)},
+        {"DP5 ", typeid(KavroModuleLTA)}, {"DP3 ", typeid(KavroModule)},      {"BASE", typeid(KavroModule)},
         {"XYZ ", typeid(KavroModule)},
     };
     FakeNetwork fake;

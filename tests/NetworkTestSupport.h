@@ -16,9 +16,9 @@
 #include "links/NetworkConfiguration.h"
 
 struct FakeModule {
-    std::string identity;                 // 10 characters
-    std::string typeText = "DP  ";        // get-info type text, 4 characters
-    std::uint16_t firmware = 150;         // hundredths
+    std::string identity;           // 10 characters
+    std::string typeText = "DP  ";  // get-info type text, 4 characters
+    std::uint16_t firmware = 150;   // hundredths
     std::uint16_t strokeCode = 0;
     std::string infoText = std::string(32, ' ');
     std::string partNumber = "P504000A";  // 8 characters
@@ -32,7 +32,7 @@ struct FakeModule {
     int memoryError = 0;                  // error byte for read-memory refusals (0 = answer)
     std::uint16_t statusWord = 0;
     int statusError = 0;
-    int refuseSetMode = 0;                // error byte for set-mode refusals (0 = accept)
+    int refuseSetMode = 0;  // error byte for set-mode refusals (0 = accept)
 };
 
 // A new-format information text with this many counts per millimetre, read
@@ -91,9 +91,8 @@ public:
     // Connects the record as a link's Connect does, with these controller
     // speeds and every controller capability; false when the initialisation
     // fails. The bus is not reset at every speed (that takes 500 ms a speed).
-    bool connect(std::vector<KavroLibrary::eNetSpeed> speeds = {KavroLibrary::eNetSpeed::Low,
-                                                                KavroLibrary::eNetSpeed::High,
-                                                                KavroLibrary::eNetSpeed::UltraHigh});
+    bool connect(std::vector<KavroLibrary::eNetSpeed> speeds = {
+                     KavroLibrary::eNetSpeed::Low, KavroLibrary::eNetSpeed::High, KavroLibrary::eNetSpeed::UltraHigh});
 
 private:
     static FakeModuleBus* find(KavroLibrary::NetworkConfiguration* config);

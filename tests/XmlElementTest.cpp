@@ -36,8 +36,8 @@ Elements roundTrip(const std::function<void(xmlTextWriterPtr)>& write) {
     xmlFreeTextWriter(writer);
 
     Elements elements;
-    xmlDocPtr document = xmlReadMemory(reinterpret_cast<const char*>(xmlBufferContent(buffer)),
-                                       xmlBufferLength(buffer), "memory.xml", nullptr, 0);
+    xmlDocPtr document = xmlReadMemory(reinterpret_cast<const char*>(xmlBufferContent(buffer)), xmlBufferLength(buffer),
+                                       "memory.xml", nullptr, 0);
     xmlBufferFree(buffer);
     if (document == nullptr) return elements;
     for (xmlNodePtr node = xmlDocGetRootElement(document)->children; node != nullptr; node = node->next) {
@@ -93,7 +93,10 @@ TEST(UnEscapeXML, BareUnderscoresAreRefused) {
 TEST(KavroXmlElement, WritesAndReadsTextContent) {
     const Elements elements = roundTrip([](xmlTextWriterPtr writer) {
         KavroWriteXmlElement(writer, "Escaped", "USBIM (A1B2)", true);
-        KavroWriteXmlElement(writer, "Plain", std::string("a\xff" "b"), false);
+        KavroWriteXmlElement(writer, "Plain",
+                             std::string("a\xff"
+                                         "b"),
+                             false);
         KavroWriteXmlElement(writer, "Empty", "", true);
     });
     EXPECT_EQ((Elements{{"Escaped", "USBIM (A1B2)"}, {"Plain", "a b"}, {"Empty", ""}}), elements);

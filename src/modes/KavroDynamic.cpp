@@ -10,8 +10,8 @@ namespace KavroLibrary {
 
 namespace {
 
-constexpr int kShortestInterval = 256;        // µs
-constexpr int kLongestInterval = 30000000;    // µs
+constexpr int kShortestInterval = 256;      // µs
+constexpr int kLongestInterval = 30000000;  // µs
 
 }  // namespace
 

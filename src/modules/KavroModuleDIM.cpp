@@ -13,7 +13,8 @@ void KavroModuleDIM::UpdateInfo() { IdentifyModule(config_, address_, ModuleID()
 
 void KavroModuleDIM::LoadXML(std::map<std::string, std::string> settings) {
     KavroModule::LoadXML(settings);
-    ApplySetting(settings, "READ_MODE", [this](const std::string& text) { setReadMode(eDimReadMode_FromString(text)); });
+    ApplySetting(settings, "READ_MODE",
+                 [this](const std::string& text) { setReadMode(eDimReadMode_FromString(text)); });
 }
 
 void KavroModuleDIM::SaveXML() {

@@ -1,11 +1,11 @@
 #include "KavroModuleEncoder.h"
 
 #include "KavroException.h"
+#include "KavroNumberText.h"
 #include "commands/KavroCommands.h"
 #include "core/ErrorDictionary.h"
 #include "modules/ModuleSettingText.h"
 #include "readings/KavroReadType.h"
-#include "KavroNumberText.h"
 
 namespace KavroLibrary {
 
@@ -41,7 +41,8 @@ void KavroModuleEncoder::LoadXML(std::map<std::string, std::string> settings) {
     ApplySetting(settings, "PRESET_VALUE", [this](const std::string& text) { preset_ = KavroNumberStrToDouble(text); });
     ApplySetting(settings, "REFERENCE_MARK_MODE",
                  [this](const std::string& text) { setReferenceMarkMode(eReferenceMarkMode_FromString(text)); });
-    ApplySetting(settings, "REF_ACTION", [this](const std::string& text) { setRefAction(eRefAction_FromString(text)); });
+    ApplySetting(settings, "REF_ACTION",
+                 [this](const std::string& text) { setRefAction(eRefAction_FromString(text)); });
 }
 
 void KavroModuleEncoder::SaveXML() {

@@ -36,8 +36,8 @@ bool usbExtendedFirmware(const std::string& versionText) {
 
 bool InitNetwork(NetworkConfiguration* config) {
     ControllerInfoReply info;
+    info.Error = 255;
     if (config->GetInfo != nullptr) info = config->GetInfo(config);
-    else info.Error = 255;
     if (info.Error != 0) {
         std::cerr << "Controller GetInfo Failed" << std::endl;
         return false;

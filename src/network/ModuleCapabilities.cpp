@@ -81,10 +81,9 @@ void KavroNetwork::setModuleCapabilities(KavroModule* module) {
         for (eResolution resolution : {eResolution::res14Bit, eResolution::res16Bit, eResolution::res18Bit}) {
             module->resolutions_.push_back(resolution);
         }
-        for (eAveraging averaging :
-             {eAveraging::average1, eAveraging::average2, eAveraging::average4, eAveraging::average8,
-              eAveraging::average16, eAveraging::average32, eAveraging::average64, eAveraging::average128,
-              eAveraging::average256}) {
+        for (eAveraging averaging : {eAveraging::average1, eAveraging::average2, eAveraging::average4,
+                                     eAveraging::average8, eAveraging::average16, eAveraging::average32,
+                                     eAveraging::average64, eAveraging::average128, eAveraging::average256}) {
             module->averagings_.push_back(averaging);
         }
     }

@@ -27,8 +27,9 @@ eSetModeMode speedMode(eNetSpeed speed) {
 std::vector<eNetSpeed> KavroNetwork::AvailableSpeeds() const {
     std::vector<eNetSpeed> speeds;
     for (eNetSpeed speed : config_->ControllerSpeeds) {
-        const bool everyModule = std::all_of(config_->Modules.begin(), config_->Modules.end(),
-                                             [speed](const KavroModule* module) { return module->SpeedAvailable(speed); });
+        const bool everyModule =
+            std::all_of(config_->Modules.begin(), config_->Modules.end(),
+                        [speed](const KavroModule* module) { return module->SpeedAvailable(speed); });
         if (everyModule) speeds.push_back(speed);
     }
     return speeds;
