@@ -45,6 +45,7 @@ TEST(InitNetwork, LimitKindAndDescriptionComeFromTheController) {
         EXPECT_TRUE(fake.network.IsConnected());
         EXPECT_EQ(OperationIdle, fake.config()->ActiveOperation);
         EXPECT_EQ(expected.description, fake.network.Description());
+        EXPECT_EQ(expected.description, fake.config()->ControllerName);
         EXPECT_EQ("CTRL000001", fake.network.ControllerID());
         EXPECT_EQ(expected.modules, fake.network.MaximumAllowableNumberOfModules());
         EXPECT_EQ(expected.networkType, fake.network.NetworkType());

@@ -74,6 +74,7 @@ bool InitNetwork(NetworkConfiguration* config) {
         kind = code;
     }
     config->Description = kind + " (" + config->ControllerID + ")";
+    config->ControllerName = config->Description;  // the placeholder has served its time
 
     config->Connected = true;
     config->ActiveOperation = OperationIdle;
