@@ -81,6 +81,7 @@ TEST_F(ModeSettings, BufferedIntervalRules) {
               messageOf([&] { buffered->setEnabled(false); }));
     EXPECT_EQ(50, buffered->OTUs());
     EXPECT_EQ(eBufferedMode::None, buffered->Mode());
+    network.Configuration()->ActiveOperation = OperationIdle;
 }
 
 TEST_F(ModeSettings, BufferedEnableNeedsTheCapability) {

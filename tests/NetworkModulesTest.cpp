@@ -272,6 +272,7 @@ TEST(NetworkSpeed, ChangesEveryModuleThenTheController) {
     fake.config()->ActiveOperation = OperationNotifyEnding;
     fake.network.setNetSpeed(eNetSpeed::Low);
     EXPECT_EQ(eNetSpeed::Low, fake.network.NetSpeed());
+    fake.config()->ActiveOperation = OperationIdle;
 }
 
 TEST(DeleteModule, LaterModulesMoveDownOneAddress) {

@@ -105,6 +105,7 @@ TEST_F(Probe, DifferenceNeedsFourteenBitsAndAnIdleNetwork) {
     }
     probe->Difference()->setEnabled(false);  // switching off is always allowed
     EXPECT_FALSE(probe->Difference()->Enabled());
+    fake.config()->ActiveOperation = OperationIdle;
 }
 
 TEST_F(Probe, LoadedSettingsThatDoNotFitAreSkipped) {
