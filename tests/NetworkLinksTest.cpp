@@ -12,6 +12,7 @@
 #include "KavroNetworkRS232.h"
 #include "LinkTestSupport.h"
 #include "NetworkTestSupport.h"
+#include "core/SimLoopback.h"
 #include "links/EthernetLink.h"
 #include "links/SerialLink.h"
 #include "network/InitNetwork.h"
@@ -38,9 +39,7 @@ TEST(KavroNetworkETHIM, ConstructionFillsTheLinkTable) {
 }
 
 TEST(KavroNetworkETHIM, UnreachableControllerLeavesTheNetworkUnconnected) {
-    // Nothing listens on this loopback address (the simulated controllers of
-    // the tests use 127.0.0.x).
-    KavroNetworkETHIM network(0, "Nobody", "127.0.9.77");
+    KavroNetworkETHIM network(0, "Nobody", kavrosim::freeLoopbackAddress());
     CerrCapture errors;
     network.Connect();
     EXPECT_FALSE(network.IsConnected());
