@@ -120,17 +120,6 @@ TEST_F(Capabilities, DifferenceKindByClassAndGeneration) {
     EXPECT_FALSE(aim->DifferenceModeCapable());
 }
 
-TEST_F(Capabilities, SettingsListsOnlyForTheNewInformationFormat) {
-    auto modern = make<KavroModuleDP>(eModuleType::DP, 3);
-    EXPECT_EQ((std::vector<eResolution>{eResolution::res14Bit, eResolution::res16Bit, eResolution::res18Bit}),
-              modern->AvailableResolutions());
-    EXPECT_TRUE(modern->isAverageAvailable(eAveraging::average256));
-    EXPECT_FALSE(modern->isAverageAvailable(eAveraging::averageNone));
-    auto older = make<KavroModuleDP>(eModuleType::DP, 1, "Digital Probe", false);
-    EXPECT_TRUE(older->AvailableAveragings().empty());
-    EXPECT_FALSE(older->isAverageAvailable(eAveraging::average16));
-}
-
 TEST_F(Capabilities, EarlyDiomsCannotAnswerTheStatusQuery) {
     auto early = make<KavroModuleDIOM>(eModuleType::DIOM, 2);
     FakeModuleBus bus(network.Configuration());

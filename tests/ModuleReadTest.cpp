@@ -169,16 +169,3 @@ TEST_F(ModuleReads, ProbeIdentityFromTheModule) {
     onBus->address = 0;
     EXPECT_EQ("KavroException", refusalOf([&] { module->GetProbeID(); }));
 }
-
-TEST_F(ModuleReads, IdentityGettersComeFromTheDecoder) {
-    EXPECT_EQ("PROBE00001", module->ModuleID());
-    EXPECT_EQ("Digital Probe", module->DeviceType());
-    EXPECT_EQ("mm", module->UnitsOfMeasure());
-    EXPECT_EQ("1.50", module->Version());
-    EXPECT_EQ(eModuleType::DP, module->ModuleType());
-    EXPECT_DOUBLE_EQ(8192.0, module->CPUOM());
-    EXPECT_DOUBLE_EQ(2.0, module->Stroke());
-    EXPECT_EQ(-1, module->RemapIndex());
-    module->setRemapIndex(3);
-    EXPECT_EQ(3, module->RemapIndex());
-}
