@@ -1,0 +1,35 @@
+// The second digital input/output module. A third-generation one can pace
+// buffered and dynamic runs as their master.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "KavroModuleDIOMBase.h"
+
+namespace KavroLibrary {
+
+class KavroModuleDIOM2 : public KavroModuleDIOMBase {
+public:
+    KavroModuleDIOM2(NetworkConfiguration* config, int address);
+    ~KavroModuleDIOM2() override;
+
+    // When the master starts pacing a dynamic run.
+    eDynamicMasterMode DynamicMasterMode() const { return dynamicMasterMode_; }
+    void setDynamicMasterMode(eDynamicMasterMode mode) { dynamicMasterMode_ = mode; }
+    // True between a successful SetupDynamicMaster and ClearDynamicMaster.
+    bool DynamicMasterArmed() const { return dynamicMasterArmed_; }
+
+    std::string SetupDynamicMaster(int numberOfModules, int collectionSize, eDynamicRate rate) override;
+    std::string ValidateDynamicMaster() override;
+    void ClearDynamicMaster() override;
+
+    void LoadXML(std::map<std::string, std::string> settings) override;
+    void SaveXML() override;
+
+private:
+    eDynamicMasterMode dynamicMasterMode_ = eDynamicMasterMode::Instant;
+    bool dynamicMasterArmed_ = false;
+};
+
+}  // namespace KavroLibrary

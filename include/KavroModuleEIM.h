@@ -1,0 +1,41 @@
+// An encoder input module: an external encoder's signals counted on the bus.
+// A third-generation one can pace buffered and dynamic runs as their master.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "KavroModuleEncoder.h"
+
+namespace KavroLibrary {
+
+class KavroModuleEIM : public KavroModuleEncoder {
+public:
+    KavroModuleEIM(NetworkConfiguration* config, int address);
+    ~KavroModuleEIM() override;
+
+    eQuadratureMode QuadratureMode() const { return quadratureMode_; }
+    void setQuadratureMode(eQuadratureMode mode) { quadratureMode_ = mode; }
+    eEncoderInterfaceType InterfaceType() const { return interfaceType_; }
+    void setInterfaceType(eEncoderInterfaceType type) { interfaceType_ = type; }
+    // When the master starts pacing a dynamic run.
+    eDynamicMasterMode DynamicMasterMode() const { return dynamicMasterMode_; }
+    void setDynamicMasterMode(eDynamicMasterMode mode) { dynamicMasterMode_ = mode; }
+    // True between a successful SetupDynamicMaster and ClearDynamicMaster.
+    bool DynamicMasterArmed() const { return dynamicMasterArmed_; }
+
+    std::string SetupDynamicMaster(int numberOfModules, int collectionSize, eDynamicRate rate) override;
+    std::string ValidateDynamicMaster() override;
+    void ClearDynamicMaster() override;
+
+    void LoadXML(std::map<std::string, std::string> settings) override;
+    void SaveXML() override;
+
+private:
+    eQuadratureMode quadratureMode_ = eQuadratureMode::quadX4;
+    eEncoderInterfaceType interfaceType_ = eEncoderInterfaceType::Differential;
+    eDynamicMasterMode dynamicMasterMode_ = eDynamicMasterMode::Instant;
+    bool dynamicMasterArmed_ = false;
+};
+
+}  // namespace KavroLibrary

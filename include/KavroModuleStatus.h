@@ -1,0 +1,31 @@
+// The result of a module's status query.
+#pragma once
+
+#include <string>
+
+namespace KavroLibrary {
+
+class KavroModule;
+
+class KavroModuleStatus {
+public:
+    explicit KavroModuleStatus(KavroModule* module);
+
+    // Asks the module for its status word and error; throws when the module
+    // cannot answer the query or the command fails.
+    void UpdateStatus();
+    int Status() const { return status_; }
+    int ErrorCode() const { return errorCode_; }
+    std::string ErrorString() const;
+
+private:
+    // A read stores its error here; the probe starts with its own status.
+    friend class KavroModule;
+    friend class KavroModuleDP;
+
+    KavroModule* module_;  // not owned
+    int status_ = 0;
+    int errorCode_ = 0;
+};
+
+}  // namespace KavroLibrary

@@ -1,0 +1,90 @@
+// One measurement bus behind one interface module (the controller): its link
+// record, its modules in address order and its three mode controllers. The
+// transport subclasses open the link in Connect and close it in Disconnect.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "KavroEnums.h"
+#include "KavroErrors.h"
+#include "KavroModule.h"
+
+namespace KavroLibrary {
+
+struct NetworkConfiguration;
+class NetworkBuffered;
+class NetworkDifference;
+class KavroDynamic;
+class KavroModuleAGM;
+
+class KavroNetwork {
+public:
+    KavroNetwork(int networkNumber, std::string networkName);
+    virtual ~KavroNetwork();
+    KavroNetwork(const KavroNetwork&) = delete;
+    KavroNetwork& operator=(const KavroNetwork&) = delete;
+
+    virtual void Connect();
+    virtual void Disconnect();
+    virtual bool DynamicCapable();
+    virtual bool Dynamic2Capable();
+    virtual bool DynamicExternalSourceCapable();
+
+    std::string Description() const;
+    std::string NetworkName() const;
+    void setNetworkName(std::string name);
+    std::string ControllerID() const;
+    eNetworkType NetworkType() const;
+    bool IsConnected() const;
+    eNetSpeed NetSpeed() const;
+    int MaximumAllowableNumberOfModules() const;
+    NetworkBuffered* Buffered() const { return buffered_.get(); }
+    NetworkDifference* Difference() const { return difference_.get(); }
+    KavroDynamic* Dynamic() const { return dynamic_.get(); }
+
+    // Modules, in address order (index = address - 1).
+    int ModuleCount() const;
+    KavroModule* GetModule(unsigned int index) const;
+    KavroModule* GetModuleByID(std::string id) const;
+    int GetModuleIndexByID(std::string id) const;
+    // Addresses the module with this identity as the next module, identifies
+    // it and appends it; throws when the bus refuses it.
+    void AddModule(std::string id, std::string name);
+    // The addition itself, at the current speed; returns the set-address error.
+    eKavroErrors AddModuleInternal(std::string id, std::string name);
+    void DeleteModule(int index);
+    void DeleteModule(std::string id);
+    void ClearModules();
+
+    bool BufferedExternalSourceCapable() const;
+    bool BufferedCapable() const;
+    int ReadBurstCapableCount() const;
+    bool ReadBurstCapable() const;
+
+    // Speeds that the controller and every module support.
+    std::vector<eNetSpeed> AvailableSpeeds() const;
+    bool SpeedAvailable(eNetSpeed speed) const;
+    void setNetSpeed(eNetSpeed speed);
+
+    // Capability flags and lists of a freshly created module.
+    void setModuleCapabilities(KavroModule* module);
+    // Extra offset of an air gauge: none for pressure, else the size band.
+    static void agm_init(KavroModuleAGM* module);
+
+    NetworkConfiguration* Configuration() const { return config_.get(); }
+
+protected:
+    // Takes a module out of the list without destroying it: a pointer the
+    // application still holds stays valid while the network lives.
+    void retireModule(KavroModule* module);
+
+    std::unique_ptr<NetworkConfiguration> config_;
+    std::unique_ptr<NetworkBuffered> buffered_;
+    std::unique_ptr<NetworkDifference> difference_;
+    std::unique_ptr<KavroDynamic> dynamic_;
+    std::vector<std::unique_ptr<KavroModule>> retiredModules_;
+};
+
+}  // namespace KavroLibrary

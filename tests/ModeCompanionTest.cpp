@@ -1,0 +1,234 @@
+// The settings of the mode companions that need no bus: buffered intervals
+// and enables, the buffered master index, difference enables, dynamic
+// settings and the dynamic data container.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "KavroDynamic.h"
+#include "KavroDynamicData.h"
+#include "KavroModuleAIM.h"
+#include "KavroModuleDP.h"
+#include "KavroModuleEIM.h"
+#include "ModuleBuffered.h"
+#include "ModuleDifference.h"
+#include "NetworkBuffered.h"
+#include "NetworkDifference.h"
+#include "NetworkTestSupport.h"
+#include "readings/KavroReadType.h"
+
+using namespace KavroLibrary;
+
+namespace {
+
+std::string messageOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "";
+}
+
+// A network holding modules made directly, with third-generation capabilities.
+class ModeSettings : public ::testing::Test {
+protected:
+    template <typename Module>
+    Module* addModule(eModuleType type) {
+        NetworkConfiguration* config = network.Configuration();
+        auto* module = new Module(config, static_cast<int>(config->Modules.size()) + 1);
+        module->ReadType()->ModuleType = type;
+        module->ReadType()->Generation = eGeneration::Kavro3;
+        network.setModuleCapabilities(module);
+        config->Modules.push_back(module);
+        return module;
+    }
+
+    KavroNetwork network{0, "Modes"};
+};
+
+}  // namespace
+
+TEST_F(ModeSettings, BufferedIntervalRules) {
+    ModuleBuffered* buffered = addModule<KavroModuleDP>(eModuleType::DP)->Buffered();
+    EXPECT_EQ(40, buffered->OTUs());
+    EXPECT_EQ(4096, buffered->ReadingInterval());
+    buffered->setOTUs(41);
+    EXPECT_EQ(41, buffered->OTUs());
+    EXPECT_EQ(4198, buffered->ReadingInterval());  // 4198.4 truncated
+    EXPECT_EQ("Invalid OTU", messageOf([&] { buffered->setOTUs(39); }));
+    EXPECT_EQ(41, buffered->OTUs());
+
+    buffered->setReadingInterval(1000);
+    EXPECT_EQ(40, buffered->OTUs());
+    EXPECT_EQ(-3096, buffered->ReadingIntervalErrorUs());
+    buffered->setReadingInterval(10000);  // 97.7 units: rounds to 80
+    EXPECT_EQ(80, buffered->OTUs());
+    EXPECT_EQ(10000 - 8192, buffered->ReadingIntervalErrorUs());
+    EXPECT_EQ("Reading interval too large", messageOf([&] { buffered->setReadingInterval(6710785); }));
+    buffered->setReadingInterval(6710784);
+    EXPECT_EQ(65520, buffered->OTUs());
+    buffered->setOTUs(50);
+    EXPECT_EQ(0, buffered->ReadingIntervalErrorUs());
+
+    network.Configuration()->ActiveOperation = OperationDifference;
+    EXPECT_EQ("Cannot change OTUs whilst the network is busy", messageOf([&] { buffered->setOTUs(80); }));
+    EXPECT_EQ("Cannot change OTUs whilst the network is busy", messageOf([&] { buffered->setReadingInterval(8000); }));
+    EXPECT_EQ("Cannot change buffered mode whilst the network is busy",
+              messageOf([&] { buffered->setMode(eBufferedMode::Sync); }));
+    EXPECT_EQ("Cannot change module buffered state whilst the network is busy",
+              messageOf([&] { buffered->setEnabled(false); }));
+    EXPECT_EQ(50, buffered->OTUs());
+    EXPECT_EQ(eBufferedMode::None, buffered->Mode());
+    network.Configuration()->ActiveOperation = OperationIdle;
+}
+
+TEST_F(ModeSettings, BufferedEnableNeedsTheCapability) {
+    KavroModuleDP* probe = addModule<KavroModuleDP>(eModuleType::DP);
+    KavroModuleAIM* analogue = addModule<KavroModuleAIM>(eModuleType::AIM);
+    probe->Buffered()->setEnabled(true);
+    probe->Buffered()->setMode(eBufferedMode::Sample);
+    EXPECT_TRUE(probe->Buffered()->Enabled());
+    EXPECT_EQ(eBufferedMode::Sample, probe->Buffered()->Mode());
+    EXPECT_EQ("Module is not buffered capable", messageOf([&] { analogue->Buffered()->setEnabled(true); }));
+    analogue->Buffered()->setEnabled(false);
+    EXPECT_EQ(1, network.Buffered()->EnabledCount());
+    int length = -1;
+    sReadingItem* items = probe->Buffered()->GetBufferedDataArray(length);
+    EXPECT_EQ(0, length);
+    std::free(items);
+}
+
+TEST_F(ModeSettings, BufferedMasterIndexMustBeACapableModuleAtTheEnd) {
+    addModule<KavroModuleDP>(eModuleType::DP);
+    addModule<KavroModuleDP>(eModuleType::DP);
+    addModule<KavroModuleEIM>(eModuleType::EIM);
+    NetworkBuffered* buffered = network.Buffered();
+    EXPECT_EQ(-1, buffered->MasterIndex());
+    buffered->setMasterIndex(3);  // past the end: nothing happens
+    buffered->setMasterIndex(-2);
+    EXPECT_EQ(-1, buffered->MasterIndex());
+    EXPECT_EQ("Buffered master must be at the end of a buffered collection",
+              messageOf([&] { buffered->setMasterIndex(0); }));
+    EXPECT_EQ("Specified module is not capable of being a buffered master",
+              messageOf([&] { buffered->setMasterIndex(1); }));
+    buffered->setMasterIndex(2);
+    EXPECT_EQ(2, buffered->MasterIndex());
+    buffered->setMasterIndex(-1);
+    EXPECT_EQ(-1, buffered->MasterIndex());
+}
+
+TEST_F(ModeSettings, DifferenceEnableNeedsTheCapability) {
+    KavroModuleDP* probe = addModule<KavroModuleDP>(eModuleType::DP);
+    KavroModuleAIM* analogue = addModule<KavroModuleAIM>(eModuleType::AIM);
+    EXPECT_EQ(0, network.Difference()->Count());
+    EXPECT_EQ("Module is not difference mode capable.", messageOf([&] { analogue->Difference()->setEnabled(true); }));
+    probe->ReadType()->ResolutionFactor = 16;
+    EXPECT_EQ("Module must be set to 14bit resolution for difference mode.",
+              messageOf([&] { probe->Difference()->setEnabled(true); }));
+    probe->ReadType()->ResolutionFactor = 1;
+    probe->Difference()->setEnabled(true);
+    EXPECT_EQ(1, network.Difference()->Count());
+}
+
+TEST_F(ModeSettings, EncoderInputMasterHooks) {
+    KavroModuleEIM* master = addModule<KavroModuleEIM>(eModuleType::EIM);
+    EXPECT_EQ("", master->ValidateDynamicMaster());
+    EXPECT_EQ("", master->SetupDynamicMaster(2, 100, eDynamicRate::Rate1K));
+    EXPECT_TRUE(master->DynamicMasterArmed());
+    master->ClearDynamicMaster();
+    EXPECT_FALSE(master->DynamicMasterArmed());
+    master->setDynamicMasterMode(eDynamicMasterMode::Refaction_Reset);
+    EXPECT_EQ("Dynamic master mode Refaction_Reset needs a reference mark action.\n",
+              master->SetupDynamicMaster(2, 100, eDynamicRate::Rate1K));
+    EXPECT_FALSE(master->DynamicMasterArmed());
+    master->setRefAction(eRefAction::Reset);
+    EXPECT_EQ("", master->ValidateDynamicMaster());
+
+    KavroModuleDP* probe = addModule<KavroModuleDP>(eModuleType::DP);
+    EXPECT_EQ(
+        "Unexpected error: Attempt to setup a dynamic master on a module that is not dynamic master "
+        "capable.\n",
+        probe->SetupDynamicMaster(1, 0, eDynamicRate::Rate4K));
+    EXPECT_EQ("This module is not dynamic capable.\n", probe->ValidateDynamicMaster());
+    KavroModuleEIM* early = addModule<KavroModuleEIM>(eModuleType::LEIM);
+    EXPECT_EQ("This module is not dynamic capable.\n", early->ValidateDynamicMaster());
+}
+
+TEST_F(ModeSettings, DynamicSettingsAndState) {
+    KavroDynamic* dynamic = network.Dynamic();
+    NetworkConfiguration* config = network.Configuration();
+    EXPECT_EQ(256, dynamic->MinimumInterval());
+    EXPECT_EQ(0, dynamic->DynamicData()->ModuleCount());
+
+    EXPECT_EQ("Dynamic collection size must be >= 0.", messageOf([&] { dynamic->setCollectionSize(-1); }));
+    dynamic->setCollectionSize(500);
+    EXPECT_EQ(500, dynamic->CollectionSize());
+    EXPECT_EQ("Dynamic read interval too short.", messageOf([&] { dynamic->setDynamicInterval(255); }));
+    EXPECT_EQ("Dynamic read interval cannot be greater than 30 seconds",
+              messageOf([&] { dynamic->setDynamicInterval(30000001); }));
+    dynamic->setDynamicInterval(30000000);
+    EXPECT_EQ(30000000, dynamic->DynamicInterval());
+    dynamic->setDynamicInterval(0);
+    EXPECT_TRUE(dynamic->ValidateInterval(0));
+    EXPECT_FALSE(dynamic->ValidateInterval(100));
+
+    // Any change un-prepares; nothing changes while the network is busy.
+    config->DynamicState = eDynamicState::Prepared;
+    dynamic->setDynamicRate(eDynamicRate::Rate2K);
+    EXPECT_EQ(eDynamicState::Inactive, dynamic->DynamicState());
+    config->ActiveOperation = OperationDynamic;
+    EXPECT_EQ("Cannot change dynamic properties whilst the network is performing an operation.",
+              messageOf([&] { dynamic->setDynamicRate(eDynamicRate::Rate1K); }));
+    EXPECT_EQ(eDynamicRate::Rate2K, dynamic->DynamicRate());
+    config->ActiveOperation = OperationIdle;
+
+    // A run whose reading has ended is still being processed.
+    config->DynamicState = eDynamicState::Reading;
+    config->DynamicRunning = true;
+    EXPECT_EQ(eDynamicState::Reading, dynamic->DynamicState());
+    config->DynamicRunning = false;
+    EXPECT_EQ(eDynamicState::Processing, dynamic->DynamicState());
+    config->DynamicState = eDynamicState::Inactive;
+}
+
+TEST(KavroDynamicData, BoundsAndCollectionStatus) {
+    KavroNetwork network(0, "Dynamic data");
+    NetworkConfiguration* config = network.Configuration();
+    KavroDynamicData data(config, 2);
+    EXPECT_EQ(2, data.ModuleCount());
+    EXPECT_EQ("No Dynamic collection available", messageOf([&] { data.CheckBounds(0, 0); }));
+
+    data.AddReadings(new sDynamicReadingData[2]{{0, 16}, {0, 17}});
+    data.AddReadings(new sDynamicReadingData[2]{{0, 18}, {0x2112, 0}});
+    EXPECT_EQ(2, data.ReadingCount());
+    EXPECT_NO_THROW(data.CheckBounds(1, 1));
+    EXPECT_EQ("ModuleIndex specified is greater than the number of modules in the collection",
+              messageOf([&] { data.CheckBounds(2, 0); }));
+    EXPECT_EQ("ReadingIndex specified is greater than the number of readings in the collection",
+              messageOf([&] { data.CheckBounds(0, 2); }));
+
+    config->DynamicError = 242;
+    EXPECT_EQ(0, data.CollectionStatus());
+    config->DynamicError = 243;
+    EXPECT_EQ(243, data.CollectionStatus());
+}
+
+TEST(KavroDynamicData, ReadersMayLookWhileSetsAreAppended) {
+    KavroNetwork network(0, "Dynamic data");
+    KavroDynamicData data(network.Configuration(), 1);
+    constexpr int kSets = 2000;
+    std::thread decoder([&data] {
+        for (int set = 0; set < kSets; ++set) data.AddReadings(new sDynamicReadingData[1]{{0, set}});
+    });
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    int seen = 0;
+    while (seen < kSets && std::chrono::steady_clock::now() < deadline) {
+        seen = data.ReadingCount();
+        if (seen > 0) data.CheckBounds(0, seen - 1);
+        std::this_thread::yield();
+    }
+    decoder.join();
+    EXPECT_EQ(kSets, data.ReadingCount());
+}

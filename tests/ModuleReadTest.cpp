@@ -1,0 +1,171 @@
+// Single reads in counts and units, the last read-burst record, the status
+// query and the probe identity of a module.
+#include <gtest/gtest.h>
+
+#include "KavroException.h"
+#include "KavroModuleStatus.h"
+#include "ModuleDifference.h"
+#include "NetworkTestSupport.h"
+#include "core/ErrorDictionary.h"
+#include "readings/KavroReadType.h"
+
+using namespace KavroLibrary;
+
+namespace {
+
+class ModuleReads : public ::testing::Test {
+protected:
+    void SetUp() override {
+        loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
+        fake.bus.add(FakeProbe("PROBE00001"));
+        ASSERT_TRUE(fake.bus.connect());
+        fake.network.AddModule("PROBE00001", "");
+        module = fake.network.GetModule(0);
+        onBus = fake.bus.withIdentity("PROBE00001");
+        fake.bus.clearRecords();
+    }
+
+    // The error a read throws, as code and text; 0 when it does not throw.
+    int readError(std::string* text = nullptr) {
+        try {
+            module->ReadingInCounts();
+        } catch (const KavroException& error) {
+            if (text != nullptr) *text = error.what();
+            return error.ErrorCode;
+        }
+        return 0;
+    }
+
+    FakeNetwork fake;
+    KavroModule* module = nullptr;
+    FakeModule* onBus = nullptr;
+};
+
+std::string refusalOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const KavroException&) {
+        return "KavroException";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "";
+}
+
+}  // namespace
+
+TEST_F(ModuleReads, CountsAndUnitsWithTheCountOffset) {
+    onBus->reading = 1000;
+    EXPECT_EQ(1000, module->ReadingInCounts());
+    EXPECT_EQ((std::vector<FakeModuleBus::Bytes>{{'L', 1}}), fake.bus.commands);
+    EXPECT_DOUBLE_EQ(1000.0 / 8192.0, module->ReadingInUnits());
+    module->setCountOffset(100);
+    EXPECT_EQ(900, module->ReadingInCounts());
+    module->setCountOffset(0);
+
+    // A one-word module is read with the one-word command.
+    module->ReadType()->ReadType = 1;
+    onBus->reading = 0x12345;
+    fake.bus.clearRecords();
+    EXPECT_EQ(0x2345, module->ReadingInCounts());
+    EXPECT_EQ((std::vector<FakeModuleBus::Bytes>{{'1', 1}}), fake.bus.commands);
+}
+
+TEST_F(ModuleReads, RangeReadingsAreReturnedOtherErrorsThrown) {
+    onBus->readError = 0x12;
+    module->ReadType()->SizeOffset = 0.25;
+    EXPECT_EQ(0, module->ReadingInCounts());
+    EXPECT_EQ(0x2112, module->ModuleStatus()->ErrorCode());
+    EXPECT_DOUBLE_EQ(module->Offset() + 0.25, module->ReadingInUnits());
+
+    onBus->readError = 0x13;
+    EXPECT_EQ(16384, module->ReadingInCounts());
+    module->ReadType()->ResolutionFactor = 4;
+    EXPECT_EQ(65536, module->ReadingInCounts());
+    module->ReadType()->ResolutionFactor = 16;
+    EXPECT_EQ(262144, module->ReadingInCounts());
+    EXPECT_EQ(0x2113, module->ModuleStatus()->ErrorCode());
+
+    onBus->readError = 0x05;
+    std::string text;
+    EXPECT_EQ(0x2105, readError(&text));
+    EXPECT_EQ(GetErrorDescriptionInternal(0x2105), text);
+    EXPECT_NE("Unknown Error", text);
+    EXPECT_EQ(0x2105, module->ModuleStatus()->ErrorCode());
+
+    onBus->address = 0;  // the module has gone quiet
+    EXPECT_EQ(255, readError(&text));
+    EXPECT_EQ(GetErrorDescriptionInternal(255), text);
+}
+
+TEST_F(ModuleReads, RefusedDuringOperationsAndWithoutAReadCommand) {
+    onBus->reading = 7;
+    fake.config()->ActiveOperation = OperationNotifying;
+    EXPECT_EQ("Cannot perform an kavro read during an kavro operation", refusalOf([&] { module->ReadingInCounts(); }));
+    fake.config()->ActiveOperation = OperationBuffered;
+    EXPECT_EQ("Cannot perform an kavro read during an kavro operation", refusalOf([&] { module->ReadingInUnits(); }));
+
+    // Difference mode only refuses the modules taking part in it.
+    fake.config()->ActiveOperation = OperationDifference;
+    EXPECT_EQ(7, module->ReadingInCounts());
+    fake.config()->ActiveOperation = OperationIdle;
+    module->Difference()->setEnabled(true);
+    fake.config()->ActiveOperation = OperationDifference;
+    EXPECT_EQ("Cannot perform an kavro read during an kavro difference operation",
+              refusalOf([&] { module->ReadingInCounts(); }));
+    fake.config()->ActiveOperation = OperationIdle;
+
+    module->ReadType()->ReadType = 0;
+    fake.bus.clearRecords();
+    EXPECT_EQ("Internal Error: Unknown Read Type", refusalOf([&] { module->ReadingInCounts(); }));
+    EXPECT_TRUE(fake.bus.commands.empty());
+}
+
+TEST_F(ModuleReads, LastReadburstNeedsAResultAndPassesRangeCodes) {
+    const char* none = "No readburst data available.";
+    EXPECT_EQ(none, refusalOf([&] { module->LastReadburst_InCounts(); }));
+    EXPECT_EQ(none, refusalOf([&] { module->LastReadburst_InUnitsOfMeasure(); }));
+    EXPECT_EQ(none, refusalOf([&] { module->LastReadburst_Error(); }));
+
+    for (int code : {0, 0x2112, 0x2113, 0x10001}) {
+        module->setLastReadburst(true, code, 42, 1.5);
+        EXPECT_EQ(42, module->LastReadburst_InCounts()) << code;
+        EXPECT_DOUBLE_EQ(1.5, module->LastReadburst_InUnitsOfMeasure()) << code;
+        EXPECT_EQ(code, module->LastReadburst_Error());
+    }
+    module->setLastReadburst(true, 0x2105, 42, 1.5);
+    EXPECT_EQ(0x2105, module->LastReadburst_Error());
+    try {
+        module->LastReadburst_InCounts();
+        FAIL() << "expected the module error";
+    } catch (const KavroException& error) {
+        EXPECT_EQ(0x2105, error.ErrorCode);
+    }
+    EXPECT_THROW(module->LastReadburst_InUnitsOfMeasure(), KavroException);
+    module->setLastReadburst(false, 255, 0, 0.0);
+    EXPECT_EQ(none, refusalOf([&] { module->LastReadburst_Error(); }));
+}
+
+TEST_F(ModuleReads, StatusQueryStoresTheAnswer) {
+    onBus->statusWord = 0x1234;
+    module->ModuleStatus()->UpdateStatus();
+    EXPECT_EQ(0x1234, module->ModuleStatus()->Status());
+    EXPECT_EQ(0, module->ModuleStatus()->ErrorCode());
+    EXPECT_EQ((std::vector<FakeModuleBus::Bytes>{{'G', 1}}), fake.bus.commands);
+
+    onBus->statusError = 0x05;
+    module->ModuleStatus()->UpdateStatus();
+    EXPECT_EQ(0x2105, module->ModuleStatus()->ErrorCode());
+    EXPECT_EQ(GetErrorDescriptionInternal(0x2105), module->ModuleStatus()->ErrorString());
+
+    onBus->address = 0;
+    EXPECT_EQ("Get status error - " + GetErrorDescriptionInternal(255),
+              refusalOf([&] { module->ModuleStatus()->UpdateStatus(); }));
+    EXPECT_EQ(0x1234, module->ModuleStatus()->Status());
+}
+
+TEST_F(ModuleReads, ProbeIdentityFromTheModule) {
+    EXPECT_EQ("PROBE00001", module->GetProbeID());
+    onBus->address = 0;
+    EXPECT_EQ("KavroException", refusalOf([&] { module->GetProbeID(); }));
+}

@@ -1,0 +1,117 @@
+// A bus of pretend modules behind a pretend controller, installed in a
+// network's link table: it records every command and answers as the modules
+// described in docs/protocol.md would.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "KavroNetwork.h"
+#include "links/NetworkConfiguration.h"
+
+struct FakeModule {
+    std::string identity;           // 10 characters
+    std::string typeText = "DP  ";  // get-info type text, 4 characters
+    std::uint16_t firmware = 150;   // hundredths
+    std::uint16_t strokeCode = 0;
+    std::string infoText = std::string(32, ' ');
+    std::string partNumber = "P504000A";  // 8 characters
+    std::string version = "1.50 ";        // 5 characters
+    int probeRange = 2;                   // millimetres
+    bool answersGetInfo = true;           // false: "!" NO_CMD, as a first-generation module
+    int address = 0;                      // 0 = unaddressed
+    std::uint32_t reading = 0;            // what reads return
+    int readError = 0;                    // module error byte of reads (0 = good)
+    std::vector<unsigned char> memory;    // answer bytes of read memory (after the echo)
+    int memoryError = 0;                  // error byte for read-memory refusals (0 = answer)
+    std::uint16_t statusWord = 0;
+    int statusError = 0;
+    int refuseSetMode = 0;  // error byte for set-mode refusals (0 = accept)
+};
+
+// A new-format information text with this many counts per millimetre, read
+// format and resolution factor.
+std::string NewFormatInfo(const std::string& countsPerUnit = "8192.000", char readFormat = '0', int factor = 1);
+
+// A probe of 2 mm range, 8192 counts per mm, read with two words; a
+// firmware below 150 makes it an earlier generation. `newFormat` false leaves
+// the information text blank, so that the module is decoded the older way.
+FakeModule FakeProbe(const std::string& identity, std::uint16_t firmware = 150, bool newFormat = true);
+
+// Collects what is written to the standard error stream while it lives.
+class CerrCapture {
+public:
+    CerrCapture() : previous_(std::cerr.rdbuf(captured_.rdbuf())) {}
+    ~CerrCapture() { std::cerr.rdbuf(previous_); }
+    CerrCapture(const CerrCapture&) = delete;
+    CerrCapture& operator=(const CerrCapture&) = delete;
+    std::string text() const { return captured_.str(); }
+
+private:
+    std::ostringstream captured_;
+    std::streambuf* previous_;
+};
+
+class FakeModuleBus {
+public:
+    using Bytes = std::vector<unsigned char>;
+
+    explicit FakeModuleBus(KavroLibrary::NetworkConfiguration* config);
+    ~FakeModuleBus();
+    FakeModuleBus(const FakeModuleBus&) = delete;
+    FakeModuleBus& operator=(const FakeModuleBus&) = delete;
+
+    // Controller answers.
+    bool controllerAnswersInfo = true;
+    bool controllerAnswersIdentify = true;
+    std::string controllerType = "ETHI";
+    std::string controllerId = "CTRL000001";
+    std::string controllerVersion = "1.20 ";
+    std::uint16_t controllerFirmware = 160;
+    std::string limitText = "L032";
+
+    std::vector<FakeModule> modules;
+    FakeModule& add(FakeModule module);
+    FakeModule* at(int address);
+    FakeModule* withIdentity(const std::string& identity);
+
+    // Every module command's bytes, in order; controller speed requests.
+    std::vector<Bytes> commands;
+    std::vector<KavroLibrary::eNetSpeed> speedRequests;
+    void clearRecords();
+    // The commands whose code is `code`.
+    std::vector<Bytes> commandsWithCode(char code) const;
+
+    // Connects the record as a link's Connect does, with these controller
+    // speeds and every controller capability; false when the initialisation
+    // fails. The bus is not reset at every speed (that takes 500 ms a speed).
+    bool connect(std::vector<KavroLibrary::eNetSpeed> speeds = {
+                     KavroLibrary::eNetSpeed::Low, KavroLibrary::eNetSpeed::High, KavroLibrary::eNetSpeed::UltraHigh});
+
+private:
+    static FakeModuleBus* find(KavroLibrary::NetworkConfiguration* config);
+    static KavroLibrary::ControllerIdentifyReply identify(KavroLibrary::NetworkConfiguration* config);
+    static KavroLibrary::ControllerInfoReply getInfo(KavroLibrary::NetworkConfiguration* config);
+    static void send(KavroLibrary::NetworkConfiguration* config, KavroLibrary::ModuleCommand* command);
+    static KavroLibrary::ModuleReply reply(KavroLibrary::NetworkConfiguration* config, unsigned char, bool);
+    static std::uint32_t setSpeed(KavroLibrary::NetworkConfiguration* config, KavroLibrary::eNetSpeed speed);
+    static std::uint32_t setIdle(KavroLibrary::NetworkConfiguration* config);
+
+    std::optional<Bytes> answer(const Bytes& command);
+
+    KavroLibrary::NetworkConfiguration* config_;
+    std::optional<Bytes> pending_;
+};
+
+// A base network over the fake bus (not yet connected).
+struct FakeNetwork {
+    KavroLibrary::KavroNetwork network{0, "Test network"};
+    FakeModuleBus bus{network.Configuration()};
+    KavroLibrary::NetworkConfiguration* config() { return network.Configuration(); }
+};

@@ -1,0 +1,125 @@
+// The digital probe's averaging and resolution.
+#include <gtest/gtest.h>
+
+#include "KavroException.h"
+#include "KavroModuleDP.h"
+#include "KavroModuleStatus.h"
+#include "ModuleDifference.h"
+#include "NetworkTestSupport.h"
+#include "readings/KavroReadType.h"
+
+using namespace KavroLibrary;
+
+namespace {
+
+class Probe : public ::testing::Test {
+protected:
+    void SetUp() override {
+        fake.bus.add(FakeProbe("PROBE00001"));
+        ASSERT_TRUE(fake.bus.connect());
+        fake.network.AddModule("PROBE00001", "");
+        probe = dynamic_cast<KavroModuleDP*>(fake.network.GetModule(0));
+        ASSERT_NE(nullptr, probe);
+        onBus = fake.bus.withIdentity("PROBE00001");
+        fake.bus.clearRecords();
+    }
+
+    FakeNetwork fake;
+    KavroModuleDP* probe = nullptr;
+    FakeModule* onBus = nullptr;
+};
+
+}  // namespace
+
+TEST(ProbeConstruction, StartsWithItsOwnStatusAndDifferenceKind) {
+    KavroNetwork network(0, "Probe");
+    KavroModuleDP probe(network.Configuration(), 1);
+    EXPECT_EQ(2048, probe.ModuleStatus()->Status());
+    EXPECT_EQ(eDifferenceMode::Mode1, probe.Difference()->Mode());
+    EXPECT_TRUE(probe.ResolutionScaled());
+    EXPECT_FALSE(KavroModule(network.Configuration(), 1).ResolutionScaled());
+    EXPECT_EQ(eAveraging::average16, probe.Averaging());
+}
+
+TEST_F(Probe, AveragingIsSentAndKeptOnlyWhenTheProbeAnswers) {
+    probe->setAveraging(eAveraging::average8);
+    EXPECT_EQ(eAveraging::average8, probe->Averaging());
+    EXPECT_EQ((std::vector<FakeModuleBus::Bytes>{{'V', 1, 50, 0, 8, 0}}), fake.bus.commands);
+
+    onBus->address = 0;
+    try {
+        probe->setAveraging(eAveraging::average256);
+        FAIL() << "expected the link error";
+    } catch (const KavroException& error) {
+        EXPECT_EQ(255, error.ErrorCode);
+    }
+    EXPECT_EQ(eAveraging::average8, probe->Averaging());
+}
+
+TEST_F(Probe, ResolutionScalesFullScaleAndUnits) {
+    EXPECT_EQ(eResolution::res14Bit, probe->Resolution());
+    probe->setResolution(eResolution::res18Bit);
+    EXPECT_EQ((std::vector<FakeModuleBus::Bytes>{{'V', 1, 51, 0, 18, 0}}), fake.bus.commands);
+    EXPECT_EQ(eResolution::res18Bit, probe->Resolution());
+    EXPECT_EQ(262144, probe->ReadType()->FullScale);
+    onBus->reading = 16 * 8192;
+    EXPECT_DOUBLE_EQ(1.0, probe->ReadingInUnits());
+    onBus->readError = 0x13;
+    EXPECT_EQ(262144, probe->ReadingInCounts());
+
+    probe->setResolution(eResolution::res16Bit);
+    EXPECT_EQ(65536, probe->ReadType()->FullScale);
+    probe->setResolution(eResolution::resNone);  // anything else means the basic factor
+    EXPECT_EQ(1, probe->ReadType()->ResolutionFactor);
+    EXPECT_EQ(16384, probe->ReadType()->FullScale);
+
+    onBus->address = 0;
+    try {
+        probe->setResolution(eResolution::res16Bit);
+        FAIL() << "expected a refusal";
+    } catch (const KavroException&) {
+        FAIL() << "a plain error was expected";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ("Unable to set resolution", error.what());
+    }
+    EXPECT_EQ(eResolution::res14Bit, probe->Resolution());
+
+    probe->ReadType()->ResolutionFactor = 2;
+    EXPECT_EQ(eResolution::resNone, probe->Resolution());
+}
+
+TEST_F(Probe, DifferenceNeedsFourteenBitsAndAnIdleNetwork) {
+    probe->setResolution(eResolution::res16Bit);
+    EXPECT_THROW(probe->Difference()->setEnabled(true), std::runtime_error);
+    EXPECT_FALSE(probe->Difference()->Enabled());
+    probe->setResolution(eResolution::res14Bit);
+    probe->Difference()->setEnabled(true);
+    EXPECT_TRUE(probe->Difference()->Enabled());
+
+    fake.config()->ActiveOperation = OperationBuffered;
+    try {
+        probe->Difference()->setEnabled(true);
+        FAIL() << "expected a refusal";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ("Cannot change module enable state during an kavro operation", error.what());
+    }
+    probe->Difference()->setEnabled(false);  // switching off is always allowed
+    EXPECT_FALSE(probe->Difference()->Enabled());
+    fake.config()->ActiveOperation = OperationIdle;
+}
+
+TEST_F(Probe, LoadedSettingsThatDoNotFitAreSkipped) {
+    probe->LoadXML({{"AVERAGING", "average4"}, {"RESOLUTION", "res20Bit"}});
+    EXPECT_EQ(eAveraging::average4, probe->Averaging());
+    EXPECT_EQ(eResolution::res14Bit, probe->Resolution());
+    EXPECT_EQ(1u, fake.bus.commandsWithCode('V').size());
+
+    probe->LoadXML({{"RESOLUTION", "res16Bit"}, {"Averaging", "average2"}});
+    EXPECT_EQ(eResolution::res16Bit, probe->Resolution());
+    EXPECT_EQ(eAveraging::average4, probe->Averaging());  // keys are upper case
+
+    onBus->address = 0;
+    probe->LoadXML({{"AVERAGING", "average64"}, {"RESOLUTION", "res18Bit"}});
+    EXPECT_EQ(eAveraging::average4, probe->Averaging());
+    EXPECT_EQ(eResolution::res16Bit, probe->Resolution());
+}
