@@ -62,7 +62,7 @@ Bytes moduleCommand(const Bytes& command, unsigned replyLength) {
 
 Bytes setAddress(const std::string& identity, std::uint8_t address) {
     Bytes out{'S', address};
-    out.insert(out.end(), identity.begin(), identity.end());
+    for (char c : identity) out.push_back(static_cast<std::uint8_t>(c));
     out.push_back(0);
     return out;
 }
