@@ -51,7 +51,11 @@ void KavroNetworkUSBIM::Connect() {
         UpdateCapabilitiesUSBIM(config_.get());
         if (config_->ResetAllSpeedsHook != nullptr) config_->ResetAllSpeedsHook(config_.get());
     } else {
+        // The channel stays ours while open: close it, or the next Connect
+        // could not open it again.
         config_->Connected = false;
+        ftdi.Close(config_->FtdiHandle);
+        config_->FtdiHandle = nullptr;
     }
 }
 
