@@ -19,6 +19,11 @@ const char* const kSystemConfigurationFile = "/etc/kavrolibrarysettings.xml";
 
 namespace {
 
+std::string& systemFileOverride() {
+    static std::string path;
+    return path;
+}
+
 std::string nodeText(xmlNode* node) {
     xmlChar* content = xmlNodeGetContent(node);
     if (content == nullptr) return std::string();
@@ -41,11 +46,17 @@ NetworkEntry readEntry(xmlNode* node) {
     for (xmlNode* child = node->children; child != nullptr; child = child->next) {
         if (child->type != XML_ELEMENT_NODE || child->name == nullptr) continue;
         const std::string name(reinterpret_cast<const char*>(child->name));
-        if (name == "networkname") entry.name = nodeText(child);
-        else if (name == "comport") entry.comport = nodeText(child);
-        else if (name == "baud") entry.baud = nodeText(child);
-        else if (name == "address") entry.address = nodeText(child);
-        else if (name == "channel") entry.channel = nodeText(child);
+        if (name == "networkname") {
+            entry.name = nodeText(child);
+        } else if (name == "comport") {
+            entry.comport = nodeText(child);
+        } else if (name == "baud") {
+            entry.baud = nodeText(child);
+        } else if (name == "address") {
+            entry.address = nodeText(child);
+        } else if (name == "channel") {
+            entry.channel = nodeText(child);
+        }
     }
     return entry;
 }
@@ -105,7 +116,10 @@ void readConfigurationFiles(std::vector<KavroNetwork*>& networks) {
     const char* home = std::getenv("HOME");
     if (home == nullptr) throw std::logic_error("HOME is not set: cannot find the per-user controller configuration");
     readSingleConfigurationFile(std::string(home) + kUserConfigurationFile, networks);
-    readSingleConfigurationFile(kSystemConfigurationFile, networks);
+    const std::string& system = systemFileOverride();
+    readSingleConfigurationFile(system.empty() ? kSystemConfigurationFile : system, networks);
 }
+
+void setSystemConfigurationFileForTests(const std::string& path) { systemFileOverride() = path; }
 
 }  // namespace KavroLibrary

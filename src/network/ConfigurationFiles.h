@@ -14,7 +14,11 @@ class KavroNetwork;
 extern const char* const kUserConfigurationFile;    // appended to HOME
 extern const char* const kSystemConfigurationFile;  // absolute
 
+// Reads the per-user file, then the system-wide one.
 void readConfigurationFiles(std::vector<KavroNetwork*>& networks);
+// Tests cannot write the system-wide file: they name another one in its
+// place. An empty path returns to kSystemConfigurationFile.
+void setSystemConfigurationFileForTests(const std::string& path);
 void readSingleConfigurationFile(std::string path, std::vector<KavroNetwork*>& networks);
 void addNetwork(xmlNode* node, std::vector<KavroNetwork*>& networks);
 
