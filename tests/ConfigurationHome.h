@@ -34,9 +34,11 @@ public:
     void writeSystemFile(const std::string& contents) const { dir.write("etc/kavrolibrarysettings.xml", contents); }
     std::string systemFile() const { return (dir.path() / "etc/kavrolibrarysettings.xml").string(); }
 
-    // A settings document listing `networks` (network elements).
-    static std::string settings(const std::string& networks) {
-        return "<?xml version=\"1.0\"?>\n<settings>\n  <networks>\n" + networks + "  </networks>\n</settings>\n";
+    // A settings document listing `networks` (network elements), with a
+    // document type declaration when one is given.
+    static std::string settings(const std::string& networks, const std::string& doctype = "") {
+        return "<?xml version=\"1.0\"?>\n" + doctype + "<settings>\n  <networks>\n" + networks +
+               "  </networks>\n</settings>\n";
     }
 
     TempDir dir;
