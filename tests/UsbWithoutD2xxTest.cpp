@@ -23,8 +23,8 @@ int findWithoutD2xx() {
         return 0;
     }
     ConfigurationHome home;
-    home.writeUserFile(ConfigurationHome::settings(
-        "    <network controllertype=\"ETHIM\"><address>127.0.0.1</address></network>\n"));
+    home.writeUserFile(
+        ConfigurationHome::settings("    <network controllertype=\"ETHIM\"><address>127.0.0.1</address></network>\n"));
     CerrCapture captured;
     KavroNetworks networks;
     networks.FindNetworks();
