@@ -147,7 +147,8 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
         "controller usb identity=USBSIM0149 firmware=149 channel-b=none\n"
         "module probe GP02000001 range=2 signal=constant:1\n");
     kavrosim::SimController& controller = standIn.controller(0);
-    KavroNetworkUSBIM network(0, 0);
+    auto owned = std::make_unique<KavroNetworkUSBIM>(0, 0);
+    KavroNetworkUSBIM& network = *owned;
 
     // A controller that does not answer its identify is not connected, and
     // its channel is free for the next attempt.
@@ -171,5 +172,9 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, network.AvailableSpeeds());
     EXPECT_THROW(network.setNetSpeed(eNetSpeed::High), std::runtime_error);
     EXPECT_NEAR(1.0, network.GetModule(0)->ReadingInUnits(), 1e-9);
-    network.Disconnect();
+
+    // Destroyed while connected: the bus is reset before the channel closes.
+    owned.reset();
+    EXPECT_EQ(0, controller.module("GP02000001")->address());
+    EXPECT_EQ(0u, listedFlags(standIn, 0));
 }

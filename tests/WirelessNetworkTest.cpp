@@ -3,6 +3,8 @@
 // when the network comes from a configuration file.
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "ConfigurationHome.h"
 #include "KavroNetworkWIM.h"
 #include "KavroNetworks.h"
@@ -62,7 +64,8 @@ TEST(WirelessNetwork, FromAConfigurationFileOnTheDefaultPort) {
         "</address></network>\n"
         "    <network controllertype=\"WIM\"><address>not an address</address></network>\n"));
 
-    KavroNetworks networks;
+    auto owned = std::make_unique<KavroNetworks>();
+    KavroNetworks& networks = *owned;
     {
         CerrCapture quiet;
         networks.FindNetworks();
@@ -76,6 +79,9 @@ TEST(WirelessNetwork, FromAConfigurationFileOnTheDefaultPort) {
     EXPECT_EQ(5, radio->Configuration()->WirelessChannel);
     radio->AddModule("GP05000002", "");
     EXPECT_NEAR(2.5, radio->GetModule(0)->ReadingInUnits(), 1e-3);
-    networks.DisconnectAll();
-    EXPECT_FALSE(radio->IsConnected());
+    EXPECT_EQ(1, controller.module("GP05000002")->address());
+
+    // Destroyed while connected: the bus is reset before the connection closes.
+    owned.reset();
+    EXPECT_EQ(0, controller.module("GP05000002")->address());
 }

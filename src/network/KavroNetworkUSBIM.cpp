@@ -36,6 +36,12 @@ KavroNetworkUSBIM::KavroNetworkUSBIM(int networkNumber, int deviceIndex) : Kavro
 }
 
 KavroNetworkUSBIM::~KavroNetworkUSBIM() {
+    // The modules are reset while the channel is still open.
+    try {
+        if (IsConnected()) KavroNetworkUSBIM::Disconnect();
+    } catch (const std::exception&) {
+        config_->Connected = false;  // an operation still runs: just let go
+    }
     if (config_->FtdiHandle != nullptr) {
         FTDICommunications().Close(config_->FtdiHandle);
         config_->FtdiHandle = nullptr;

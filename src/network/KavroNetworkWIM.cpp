@@ -1,5 +1,6 @@
 #include "KavroNetworkWIM.h"
 
+#include <exception>
 #include <utility>
 
 #include "links/NetworkConfiguration.h"
@@ -16,7 +17,15 @@ KavroNetworkWIM::KavroNetworkWIM(int networkNumber, std::string networkName, std
     fillWirelessLinkTable(config_.get());
 }
 
-KavroNetworkWIM::~KavroNetworkWIM() { WIMClose(config_.get()); }
+KavroNetworkWIM::~KavroNetworkWIM() {
+    // The modules are reset while the connection is still open.
+    try {
+        if (IsConnected()) KavroNetworkWIM::Disconnect();
+    } catch (const std::exception&) {
+        config_->Connected = false;  // an operation still runs: just let go
+    }
+    WIMClose(config_.get());
+}
 
 void KavroNetworkWIM::Connect() {
     if (IsConnected()) KavroNetworkWIM::Disconnect();
