@@ -179,10 +179,12 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
         {"empty.xml", ""},
         {"truncated.xml", good.substr(0, good.size() / 2)},
         {"text.xml", "Network settings: probe GP00000321\n"},
-        {"external.xml", "<?xml version=\"1.0\"?>\n<!DOCTYPE r [<!ENTITY x SYSTEM \"file:///etc/passwd\">]>\n"
-                         "<r><Network_Information><Network_Name>&x;</Network_Name></Network_Information></r>\n"},
-        {"parameter.xml", "<?xml version=\"1.0\"?>\n<!DOCTYPE r [<!ENTITY % p SYSTEM \"http://127.0.0.1:9/p.dtd\"> %p;]>\n"
-                          "<r/>\n"},
+        {"external.xml",
+         "<?xml version=\"1.0\"?>\n<!DOCTYPE r [<!ENTITY x SYSTEM \"file:///etc/passwd\">]>\n"
+         "<r><Network_Information><Network_Name>&x;</Network_Name></Network_Information></r>\n"},
+        {"parameter.xml",
+         "<?xml version=\"1.0\"?>\n<!DOCTYPE r [<!ENTITY % p SYSTEM \"http://127.0.0.1:9/p.dtd\"> %p;]>\n"
+         "<r/>\n"},
         {"laughs.xml", laughs},
         {"deep.xml", deep},
         {"unclosed.xml", unclosed},
@@ -190,12 +192,10 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
     rig.controller.clearRequestLog();
     for (const auto& [name, contents] : files) {
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ("Error Reading XML document", messageOf([&] { network.Load(folder.write(name, contents)); }))
-            << name;
+        EXPECT_EQ("Error Reading XML document", messageOf([&] { network.Load(folder.write(name, contents)); })) << name;
         EXPECT_LT(std::chrono::steady_clock::now() - start, 20s) << name;
     }
-    EXPECT_EQ("Error Reading XML document",
-              messageOf([&] { network.Load((folder.path() / "missing.xml").string()); }));
+    EXPECT_EQ("Error Reading XML document", messageOf([&] { network.Load((folder.path() / "missing.xml").string()); }));
 
     ASSERT_EQ(1, network.ModuleCount());
     EXPECT_EQ(module, network.GetModule(0));

@@ -19,9 +19,7 @@ namespace {
 // operation again; the thread's signal ends the wait at once.
 constexpr std::chrono::milliseconds kCancelPoll{100};
 
-bool isNotificationCode(int operation) {
-    return operation == OperationNotifying || operation == OperationNotifyEnding;
-}
+bool isNotificationCode(int operation) { return operation == OperationNotifying || operation == OperationNotifyEnding; }
 
 }  // namespace
 
@@ -68,9 +66,7 @@ void KavroNetwork::NotifyProcess(eNetSpeed restoreSpeed) {
     gate->ended.notify_all();
 }
 
-bool KavroNetwork::Notifying() const {
-    return config_->Connected && isNotificationCode(config_->ActiveOperation);
-}
+bool KavroNetwork::Notifying() const { return config_->Connected && isNotificationCode(config_->ActiveOperation); }
 
 void KavroNetwork::CancelNotifying() {
     int running = OperationNotifying;

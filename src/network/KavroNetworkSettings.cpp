@@ -170,8 +170,9 @@ void KavroNetwork::Load(std::string path) {
             // The buffered interval travels with the marker element; a value
             // the module refuses keeps the one it has.
             if (module->BufferedCapable() && settings.count("BUFFERRED") != 0) {
-                ApplySetting(settings, "OTUS",
-                             [module](const std::string& text) { module->Buffered()->setOTUs(KavroNumberStrToInt(text)); });
+                ApplySetting(settings, "OTUS", [module](const std::string& text) {
+                    module->Buffered()->setOTUs(KavroNumberStrToInt(text));
+                });
             }
         }
     }

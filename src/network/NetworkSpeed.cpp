@@ -28,9 +28,9 @@ std::vector<eNetSpeed> KavroNetwork::AvailableSpeeds() const {
     std::vector<eNetSpeed> speeds;
     const std::vector<KavroModule*> modules = moduleSnapshot();
     for (eNetSpeed speed : config_->ControllerSpeeds) {
-        const bool everyModule =
-            std::all_of(modules.begin(), modules.end(),
-                        [speed](const KavroModule* module) { return module->SpeedAvailable(speed); });
+        const bool everyModule = std::all_of(modules.begin(), modules.end(), [speed](const KavroModule* module) {
+            return module->SpeedAvailable(speed);
+        });
         if (everyModule) speeds.push_back(speed);
     }
     return speeds;
