@@ -51,6 +51,9 @@ TEST(NetworkSettings, ASavedNetworkLoadsBackWithItsModulesAndSettings) {
     const std::string description = network.Description();
 
     TempDir folder;
+    EXPECT_EQ("Error Writing XML document",
+              messageOf([&] { network.Save((folder.path() / "no such folder" / "network.xml").string()); }));
+    EXPECT_EQ(nullptr, network.Configuration()->XmlWriter);
     const std::string path = (folder.path() / "network.xml").string();
     network.Save(path);
     EXPECT_EQ(nullptr, network.Configuration()->XmlWriter);

@@ -41,12 +41,13 @@ std::string upperName(const xmlNode* node) { return StringToUpper(reinterpret_ca
 
 bool isElement(const xmlNode* node) { return node->type == XML_ELEMENT_NODE; }
 
+void quietErrors(void*, const char*, ...) {}
+
 // The writer lives in the link record while a save runs, so that the
 // modules' own SaveXML can reach it; it is freed and cleared on every path.
 class SaveWriter {
 public:
-    SaveWriter(NetworkConfiguration* config, const std::string& path)
-        : config_(config), writer_(xmlNewTextWriterFilename(path.c_str(), 0)) {
+    SaveWriter(NetworkConfiguration* config, const std::string& path) : config_(config), writer_(open(path)) {
         if (writer_ == nullptr) throw std::runtime_error(kWriteError);
         config_->XmlWriter = writer_;
     }
@@ -59,6 +60,15 @@ public:
     xmlTextWriterPtr get() const { return writer_; }
 
 private:
+    // A file that cannot be created is our exception, not libxml2's lines
+    // on standard error.
+    static xmlTextWriterPtr open(const std::string& path) {
+        xmlSetGenericErrorFunc(nullptr, quietErrors);
+        xmlTextWriterPtr writer = xmlNewTextWriterFilename(path.c_str(), 0);
+        xmlSetGenericErrorFunc(nullptr, nullptr);
+        return writer;
+    }
+
     NetworkConfiguration* config_;
     xmlTextWriterPtr writer_;
 };
