@@ -27,10 +27,6 @@ TEST(HotSwap, AdoptsSelfAddressedModulesAndCountsTheLastAttempt) {
     rig.controller.addModule(simProbe("GP00000201", 1.0));
     rig.connect();
     KavroNetwork& network = *rig.network;
-    EXPECT_EQ("Not connected to Kavro", messageOf([] {
-                  KavroNetworkETHIM idle(1, "Unconnected", "127.0.0.1");
-                  idle.FindHotswapped();
-              }));
     network.AddModule("GP00000201", "");
     network.setNetSpeed(eNetSpeed::High);
 
@@ -115,8 +111,6 @@ TEST(Remap, MovesOnlyTheModulesThatChangePlace) {
     // Refused remaps change nothing and send nothing.
     rig.controller.clearRequestLog();
     first->setRemapIndex(3);
-    EXPECT_EQ("Remap index invalid.", messageOf([&] { network.ApplyRemap(); }));
-    first->setRemapIndex(-2);
     EXPECT_EQ("Remap index invalid.", messageOf([&] { network.ApplyRemap(); }));
     first->setRemapIndex(1);
     third->setRemapIndex(1);

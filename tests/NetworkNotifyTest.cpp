@@ -28,12 +28,6 @@ TEST(Notification, AddsTheAnnouncedModuleAndRestoresTheSpeed) {
               messageOf([&] { network.AddModule("GP00000109", ""); }));
     EXPECT_EQ("Cannot perform an kavro read during an kavro operation",
               messageOf([&] { network.GetModule(0)->ReadingInCounts(); }));
-    EXPECT_EQ("Network must be idle before commencing an identify operation.",
-              messageOf([&] { network.FindHotswapped(); }));
-    EXPECT_EQ("Cannot readburst whilst performing an Kavro operation.", messageOf([&] {
-                  int count = 0;
-                  network.Readburst(count);
-              }));
 
     SimModule pressed = simProbe("GP00000102", 0.5);
     pressed.setAnnouncing(true);
