@@ -70,6 +70,7 @@ TEST(Demo, RunsOnTheSimulatedBusAndCleansUp) {
         EXPECT_NE(std::string::npos, run.output.find(network)) << network << "\n" << run.output;
     }
     EXPECT_NE(std::string::npos, run.output.find("GP01000021")) << run.output;
+    EXPECT_NE(std::string::npos, run.output.find("GP05000006 announced itself")) << run.output;
     EXPECT_EQ(std::string::npos, run.output.find("could not")) << run.output;
     // Its private HOME is gone.
     EXPECT_TRUE(std::filesystem::is_empty(tmp.path()));

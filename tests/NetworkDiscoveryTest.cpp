@@ -1,182 +1,218 @@
-// Networks from the controller configuration files: per-user first, then
-// system-wide, the defaults of each kind, and files that are broken or
-// hostile.
-#include <poll.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <typeinfo>
-
+// Hot-swap search, ping, remap, clearing the bus and read-burst, against the
+// simulated bus.
 #include <gtest/gtest.h>
 
-#include "ConfigurationHome.h"
-#include "KavroNetworkETHIM.h"
-#include "KavroNetworkRS232.h"
-#include "KavroNetworkWIM.h"
-#include "KavroNetworks.h"
-#include "NetworkTestSupport.h"
-#include "core/SimLoopback.h"
-#include "links/NetworkConfiguration.h"
+#include <algorithm>
+#include <set>
+
+#include "KavroException.h"
+#include "SimNetworkRig.h"
 
 using namespace KavroLibrary;
+using namespace kavrosim;
+using namespace std::chrono_literals;
 
 namespace {
 
-std::string element(const std::string& type, const std::string& children = "") {
-    return "    <network controllertype=\"" + type + "\">" + children + "</network>\n";
-}
-
-// Finds the networks quietly (no USB library may be there to report).
-void find(KavroNetworks& networks) {
-    CerrCapture quiet;
-    networks.FindNetworks();
+std::vector<int> pingSlotsAsked(const SimNetworkRig& rig) {
+    std::vector<int> slots;
+    for (const SimRequest& request : rig.logged(':')) slots.push_back(request.command.at(1));
+    return slots;
 }
 
 }  // namespace
 
-TEST(NetworkDiscovery, PerUserThenSystemWithTheDefaultsOfEachKind) {
-    ConfigurationHome home;
-    home.writeUserFile(
-        "<?xml version=\"1.0\"?>\n<settings>\n  <networks>\n" + element("RS232IM") +
-        element("RS232IM", "<networkname>Bench</networkname><comport>/dev/ttyUSB3</comport><baud>57600</baud>") +
-        element("USBIM", "<networkname>never from a file</networkname>") + element("ethim") + element("") +
-        "    <network><networkname>no type</networkname></network>\n" +
-        element("ETHIM",
-                "<!-- the later address wins; names match exactly -->"
-                "<networkname>Line 1</networkname><address>10.0.0.1</address><address>192.168.1.7</address>"
-                "<NetworkName>ignored</NetworkName><comport>ignored</comport>") +
-        element("WIM", "<networkname>Radio</networkname><address>127.0.0.1:10050</address>") +
-        element("WIM", "<address>AA:BB:CC:DD:EE:FF</address><channel>9</channel>") + "  </networks>\n" +
-        element("ETHIM", "<networkname>off the path</networkname>") + "</settings>\n");
-    home.writeSystemFile(ConfigurationHome::settings(
-        element("ETHIM", "<networkname>Shared</networkname><address>10.0.0.9</address>") +
-        element("RS232IM", "<networkname>Bench</networkname><comport>/dev/ttyUSB3</comport><baud>57600</baud>")));
+TEST(HotSwap, AdoptsSelfAddressedModulesAndCountsTheLastAttempt) {
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0201"));
+    rig.controller.addModule(simProbe("GP00000201", 1.0));
+    rig.connect();
+    KavroNetwork& network = *rig.network;
+    network.AddModule("GP00000201", "");
+    network.setNetSpeed(eNetSpeed::High);
 
-    KavroNetworks networks;
-    find(networks);
-    ASSERT_EQ(7u, networks.Count());
-    struct Expected {
-        const std::type_info& kind;
-        std::string name;
-        std::string address;
-        int number;  // baud of a serial network, channel of a wireless one
-    };
-    const Expected expected[] = {
-        {typeid(KavroNetworkRS232), "", "/dev/ttyS0", 115200},
-        {typeid(KavroNetworkRS232), "Bench", "/dev/ttyUSB3", 57600},
-        {typeid(KavroNetworkETHIM), "Line 1", "192.168.1.7", 0},
-        {typeid(KavroNetworkWIM), "Radio", "127.0.0.1:10050", 5},
-        {typeid(KavroNetworkWIM), "", "AA:BB:CC:DD:EE:FF", 9},
-        {typeid(KavroNetworkETHIM), "Shared", "10.0.0.9", 0},
-        // Listed in both files, added twice.
-        {typeid(KavroNetworkRS232), "Bench", "/dev/ttyUSB3", 57600},
-    };
-    for (unsigned i = 0; i < networks.Count(); ++i) {
-        KavroNetwork* network = networks.Network(i);
-        const NetworkConfiguration* config = network->Configuration();
-        SCOPED_TRACE("network " + std::to_string(i));
-        EXPECT_EQ(expected[i].kind, typeid(*network));
-        EXPECT_EQ(expected[i].name, network->NetworkName());
-        EXPECT_EQ(expected[i].address, config->Address);
-        EXPECT_EQ(static_cast<int>(i), config->NetworkNumber);
-        EXPECT_FALSE(network->IsConnected());
-        if (expected[i].kind == typeid(KavroNetworkRS232)) {
-            EXPECT_EQ(expected[i].number, config->BaudRate);
-        }
-        if (expected[i].kind == typeid(KavroNetworkWIM)) {
-            EXPECT_EQ(expected[i].number, config->WirelessChannel);
-        }
-    }
+    // Nobody new: one identify, answered by silence.
+    rig.controller.clearRequestLog();
+    EXPECT_EQ(1u, network.FindHotswapped());
+    ASSERT_EQ(1u, rig.logged('I').size());
+    EXPECT_EQ(2, rig.logged('I').front().command.at(1));
+    EXPECT_EQ(1, network.ModuleCount());
+
+    rig.controller.hotPlug(simProbe("GP00000202", 0.5));
+    rig.controller.hotPlug(SimModule::linearEncoder("LE00000203"));
+    EXPECT_EQ(3u, network.FindHotswapped());
+    ASSERT_EQ(3, network.ModuleCount());
+    EXPECT_EQ("GP00000202", network.GetModule(1)->ModuleID());
+    EXPECT_EQ("LE00000203", network.GetModule(2)->ModuleID());
+    EXPECT_EQ(3, network.GetModule(2)->Address());
+    EXPECT_NEAR(0.5, network.GetModule(1)->ReadingInUnits(), 1e-3);
+    EXPECT_EQ(eNetSpeed::High, network.NetSpeed()) << "the speed is restored";
+    EXPECT_EQ(SimSpeed::High, rig.controller.busSpeed());
 }
 
-TEST(NetworkDiscovery, EmptyRepeatedAndWithoutHome) {
-    ConfigurationHome home;
-    KavroNetworks networks;
-    find(networks);
-    EXPECT_EQ(0u, networks.Count());
-    try {
-        networks.Network(0);
-        ADD_FAILURE() << "no network 0";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ("Network at index does not exist.", error.what());
-    }
+TEST(Ping, AddsLoneModulesAndCountsCollisionsAsErrors) {
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0202"));
+    rig.controller.addModule(simProbe("GP00000211", 1.0));
+    // Same byte sum, so the same slot: their answers collide.
+    rig.controller.addModule(simProbe("AAAAAAAAAB", 1.0));
+    rig.controller.addModule(simProbe("AAAAAAAABA", 1.0));
+    rig.controller.addModule(simProbe("GP00000212", 0.25));
+    const int collidingSlot = rig.controller.module("AAAAAAAAAB")->pingSlot();
+    const int loneSlot = rig.controller.module("GP00000212")->pingSlot();
+    ASSERT_NE(collidingSlot, loneSlot);
+    rig.connect();
+    KavroNetwork& network = *rig.network;
+    network.AddModule("GP00000211", "");  // addressed: keeps quiet
+    rig.controller.clearRequestLog();
 
-    // Every search builds the list afresh, with new objects.
-    home.writeUserFile(ConfigurationHome::settings(element("ETHIM", "<networkname>Line 1</networkname>") +
-                                                   element("RS232IM", "<networkname>Bench</networkname>")));
-    find(networks);
-    ASSERT_EQ(2u, networks.Count());
-    networks.Network(0)->setNetworkName("renamed by the application");
-    find(networks);
-    ASSERT_EQ(2u, networks.Count());
-    EXPECT_EQ("Line 1", networks.Network(0)->NetworkName());
-    EXPECT_EQ("Bench", networks.Network(1)->NetworkName());
-    EXPECT_THROW(networks.Network(2), std::runtime_error);
+    EXPECT_EQ(1, network.Ping());
+    ASSERT_EQ(2, network.ModuleCount());
+    EXPECT_EQ("GP00000212", network.GetModule(1)->ModuleID());
+    EXPECT_EQ(2, rig.controller.module("GP00000212")->address());
+    EXPECT_NEAR(0.25, network.GetModule(1)->ReadingInUnits(), 1e-3);
+    EXPECT_EQ(0, rig.controller.module("AAAAAAAAAB")->address());
 
-    // Without HOME the search stops, and the old list is gone.
-    unsetenv("HOME");
-    EXPECT_THROW(find(networks), std::logic_error);
-    EXPECT_EQ(0u, networks.Count());
+    const std::vector<int> slots = pingSlotsAsked(rig);
+    EXPECT_EQ(std::set<int>(slots.begin(), slots.end()).size(), 32u) << "every slot is searched";
+    EXPECT_EQ(30, std::count(slots.begin(), slots.end(), collidingSlot)) << "a collision is an error, 30 end the slot";
+    EXPECT_EQ(2, std::count(slots.begin(), slots.end(), 0)) << "two silences end a slot";
+    EXPECT_EQ(3, std::count(slots.begin(), slots.end(), loneSlot)) << "a found module, then two silences";
 }
 
-TEST(NetworkDiscovery, HostileFilesAddNothingAndStayOffTheNetwork) {
-    ConfigurationHome home;
-    std::string address;
-    const int listener = kavrosim::listenOnFreeLoopback(10001, address);
-    const std::string remote = "http://" + address + ":10001/";
-    const std::string secret = home.dir.write("secret.txt", "SECRET");
-    home.writeSystemFile(ConfigurationHome::settings(element("ETHIM", "<networkname>System</networkname>")));
-    const std::string valid = ConfigurationHome::settings(element("ETHIM", "<networkname>User</networkname>"));
+TEST(Ping, RefusesANewModuleBeyondTheControllersLimit) {
+    SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0203");
+    config.limitText = "L001";
+    SimNetworkRig rig(config);
+    rig.controller.addModule(simProbe("GP00000221", 1.0));
+    rig.controller.addModule(simProbe("GP00000222", 1.0));
+    rig.connect();
+    KavroNetwork& network = *rig.network;
+    network.AddModule("GP00000221", "");
+    network.setNetSpeed(eNetSpeed::High);
 
-    std::string laughs = "<!DOCTYPE settings [\n<!ENTITY a \"laugh laugh laugh laugh \">\n";
-    for (char level = 'b'; level <= 'j'; ++level) {
-        const std::string lower(1, static_cast<char>(level - 1));
-        laughs += "<!ENTITY " + std::string(1, level) + " \"";
-        for (int i = 0; i < 10; ++i) laughs += "&" + lower + ";";
-        laughs += "\">\n";
+    EXPECT_EQ("Module Limit Reached", messageOf([&] { network.Ping(); }));
+    EXPECT_EQ(1, network.ModuleCount());
+    EXPECT_EQ(eNetSpeed::High, network.NetSpeed()) << "the bus is left as it was found";
+    rig.network->Disconnect();
+    EXPECT_EQ("Network not connected.", messageOf([&] { network.Ping(); }));
+}
+
+TEST(Remap, MovesOnlyTheModulesThatChangePlace) {
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0204"));
+    for (const char* identity : {"GP00000231", "GP00000232", "GP00000233"}) {
+        rig.controller.addModule(simProbe(identity, 1.0));
     }
-    laughs += "]>\n";
-    // Each would be well-formed, so that only its entities keep it out.
-    auto named = [](const std::string& entity) {
-        return element("ETHIM", "<networkname>&" + entity + ";</networkname><address>127.0.0.1</address>");
-    };
-    const std::pair<std::string, std::string> hostile[] = {
-        {"not XML", "network controllertype=ETHIM, nothing more"},
-        {"truncated", valid.substr(0, valid.size() / 2)},
-        {"binary", std::string("\0\xff\xfe<settings>", 14)},
-        {"external entity",
-         ConfigurationHome::settings(named("ext"), "<!DOCTYPE settings [<!ENTITY ext SYSTEM \"" + remote + "x\">]>\n")},
-        {"local file entity",
-         ConfigurationHome::settings(named("ext"),
-                                     "<!DOCTYPE settings [<!ENTITY ext SYSTEM \"file://" + secret + "\">]>\n")},
-        {"external parameter entity",
-         ConfigurationHome::settings(
-             named("amp"), "<!DOCTYPE settings [<!ENTITY % remote SYSTEM \"" + remote + "evil.dtd\"> %remote;]>\n")},
-        {"internal entity", ConfigurationHome::settings(named("x"), "<!DOCTYPE settings [<!ENTITY x \"Line\">]>\n")},
-        {"nested entities", ConfigurationHome::settings(named("j"), laughs)},
-    };
-    for (const auto& [what, contents] : hostile) {
-        SCOPED_TRACE(what);
-        home.writeUserFile(contents);
-        KavroNetworks networks;
-        find(networks);
-        EXPECT_EQ(1u, networks.Count());
-        if (networks.Count() > 0) {
-            EXPECT_EQ("System", networks.Network(networks.Count() - 1)->NetworkName());
-        }
+    rig.connect();
+    KavroNetwork& network = *rig.network;
+    for (const char* identity : {"GP00000231", "GP00000232", "GP00000233"}) network.AddModule(identity, identity);
+    KavroModule* first = network.GetModule(0);
+    KavroModule* second = network.GetModule(1);
+    KavroModule* third = network.GetModule(2);
+
+    // Refused remaps change nothing and send nothing.
+    rig.controller.clearRequestLog();
+    first->setRemapIndex(3);
+    EXPECT_EQ("Remap index invalid.", messageOf([&] { network.ApplyRemap(); }));
+    first->setRemapIndex(1);
+    third->setRemapIndex(1);
+    EXPECT_EQ("Duplicate remap index", messageOf([&] { network.ApplyRemap(); }));
+    EXPECT_TRUE(rig.logged('S').empty());
+
+    first->setRemapIndex(2);
+    second->setRemapIndex(-1);
+    third->setRemapIndex(0);
+    network.ApplyRemap();
+
+    const std::vector<SimRequest> moves = rig.logged('S');
+    ASSERT_EQ(2u, moves.size()) << "the second module already has address 2";
+    EXPECT_EQ(1, moves[0].command.at(1));
+    EXPECT_EQ("GP00000233", std::string(moves[0].command.begin() + 2, moves[0].command.begin() + 12));
+    EXPECT_EQ(3, moves[1].command.at(1));
+    EXPECT_EQ(third, network.GetModule(0));
+    EXPECT_EQ(second, network.GetModule(1));
+    EXPECT_EQ(first, network.GetModule(2));
+    EXPECT_EQ(3, first->Address());
+    for (KavroModule* module : {first, second, third}) EXPECT_EQ(-1, module->RemapIndex());
+    EXPECT_EQ(1, rig.controller.module("GP00000233")->address());
+    EXPECT_EQ(3, rig.controller.module("GP00000231")->address());
+    EXPECT_EQ("GP00000231", network.GetModule(2)->GetProbeID()) << "the bus agrees with the list";
+}
+
+TEST(ClearTCons, UnaddressesTheBusAtEverySpeedAndKeepsTheObjects) {
+    SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0205");
+    config.typeCode = "ETH2";
+    SimNetworkRig rig(config);
+    rig.controller.addModule(simProbe("GP00000241", 1.0));
+    rig.controller.addModule(simProbe("GP00000242", 1.0));
+    rig.connect();
+    KavroNetwork& network = *rig.network;
+    network.AddModule("GP00000241", "Kept");
+    network.AddModule("GP00000242", "");
+    network.setNetSpeed(eNetSpeed::UltraHigh);
+    KavroModule* kept = network.GetModule(0);
+
+    network.ClearTCons();
+    EXPECT_EQ(0, network.ModuleCount());
+    EXPECT_EQ("Kept", kept->ModuleName()) << "a pointer the application holds stays valid";
+    for (const char* identity : {"GP00000241", "GP00000242"}) {
+        EXPECT_EQ(0, rig.controller.module(identity)->address());
+        EXPECT_EQ(SimSpeed::Low, rig.controller.module(identity)->speed());
     }
+    EXPECT_EQ(SimSpeed::UltraHigh, rig.controller.busSpeed());
+    EXPECT_EQ(3u, rig.logged('r').size());
+}
 
-    // An external DTD is named but never fetched: the document itself is
-    // harmless and its network is taken.
-    home.writeUserFile(ConfigurationHome::settings(element("ETHIM", "<networkname>User</networkname>"),
-                                                   "<!DOCTYPE settings SYSTEM \"" + remote + "settings.dtd\">\n"));
-    KavroNetworks networks;
-    find(networks);
-    ASSERT_EQ(2u, networks.Count());
-    EXPECT_EQ("User", networks.Network(0)->NetworkName());
+TEST(Readburst, ReadsTheLeadingCapableModulesWithTheirStatus) {
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0206"));
+    rig.controller.addModule(simProbe("GP00000251", 1.0));
+    rig.controller.addModule(simProbe("GP00000252", -0.5));  // below its range
+    SimModule encoder = SimModule::linearEncoder("LE00000253");
+    encoder.setSignal(SimSignal::constant(-1.5));  // a negative count
+    rig.controller.addModule(encoder);
+    SimModule older = simProbe("GP00000254", 1.0);
+    older.setGeneration(2);
+    rig.controller.addModule(older);
+    rig.connect();
+    KavroNetwork& network = *rig.network;
 
-    // Nothing ever knocked at the listener.
-    pollfd knock{listener, POLLIN, 0};
-    EXPECT_EQ(0, poll(&knock, 1, 0));
-    close(listener);
+    int count = -1;
+    EXPECT_EQ(eKavroErrors::NoError, network.Readburst(count));
+    EXPECT_EQ(0, count) << "no modules";
+
+    for (const char* identity : {"GP00000251", "GP00000252", "LE00000253", "GP00000254"}) {
+        network.AddModule(identity, "");
+    }
+    rig.controller.clearRequestLog();
+    EXPECT_EQ(eKavroErrors::NoError, network.Readburst(count));
+    EXPECT_EQ(3, count) << "the older probe cannot take part";
+    ASSERT_EQ(1u, rig.logged('T').size());
+    EXPECT_EQ(3, rig.logged('T').front().command.at(1));
+
+    KavroModule* good = network.GetModule(0);
+    KavroModule* under = network.GetModule(1);
+    KavroModule* negative = network.GetModule(2);
+    KavroModule* notCapable = network.GetModule(3);
+    EXPECT_EQ(0, good->LastReadburst_Error());
+    EXPECT_EQ(8192, good->LastReadburst_InCounts());
+    EXPECT_NEAR(1.0, good->LastReadburst_InUnitsOfMeasure(), 1e-9);
+    EXPECT_EQ(0x2112, under->LastReadburst_Error());
+    EXPECT_EQ(0, under->LastReadburst_InCounts());
+    EXPECT_EQ(-1500, negative->LastReadburst_InCounts());
+    EXPECT_NEAR(-1.5, negative->LastReadburst_InUnitsOfMeasure(), 1e-9);
+    EXPECT_EQ("No readburst data available.", messageOf([&] { notCapable->LastReadburst_InCounts(); }));
+
+    // A burst that fails marks the modules it asked for with the link's error.
+    rig.controller.injectFault(SimFault::errorReply(0x05).only('T'));
+    EXPECT_EQ(eKavroErrors::Timeout, network.Readburst(count));
+    EXPECT_EQ(255, good->LastReadburst_Error());
+    EXPECT_THROW(good->LastReadburst_InCounts(), KavroException);
+    EXPECT_EQ("No readburst data available.", messageOf([&] { notCapable->LastReadburst_Error(); }));
+
+    // With the first module not capable nothing is sent.
+    network.DeleteModule(0);
+    network.DeleteModule(0);
+    network.DeleteModule(0);
+    rig.controller.clearRequestLog();
+    EXPECT_EQ(eKavroErrors::NoError, network.Readburst(count));
+    EXPECT_EQ(0, count);
+    EXPECT_TRUE(rig.logged('T').empty());
 }

@@ -55,7 +55,7 @@ module probe   GP02000022 range=2 resolution=18 signal=sine:1,0.25,6
 module encoder-input DE00000023 signal=ramp:0,360,12
 )";
 
-constexpr int kReadingRounds = 4;
+constexpr int kReadingRounds = 3;
 constexpr auto kBetweenRounds = std::chrono::milliseconds(250);
 
 // HOME pointed at a private temporary folder, removed with everything in it.
@@ -79,6 +79,8 @@ public:
     }
     PrivateHome(const PrivateHome&) = delete;
     PrivateHome& operator=(const PrivateHome&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
 
     // The per-user controller configuration file.
     void writeConfiguration(const std::string& contents) const {
@@ -165,6 +167,59 @@ std::string describeNetwork(unsigned index, KavroNetwork& network) {
     if (!network.IsConnected()) return line + ", not connected\n";
     return line + ", up to " + std::to_string(network.MaximumAllowableNumberOfModules()) + " modules, bus speed " +
            eNetSpeed_ToString(network.NetSpeed()) + "\n";
+}
+
+// The other ways a network learns its modules: a module announcing itself
+// to the notification, one plugged in that addressed itself, then a
+// read-burst of them all and the network saved to a settings file and loaded
+// back.
+void showModuleLearning(unsigned index, KavroNetwork& network, kavrosim::SimController& controller,
+                        const std::filesystem::path& folder) {
+    using kavrosim::SimModule;
+    using kavrosim::SimSignal;
+    std::cout << "\nNetwork " << index << " learns modules the other ways\n";
+
+    SimModule pressed = SimModule::digitalProbe("GP05000006", 5.0);
+    pressed.setSignal(SimSignal::constant(-1.0));  // below its range
+    pressed.setAnnouncing(true);                   // its button is pressed
+    controller.addModule(pressed);
+    network.BeginNotifying();
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (network.Notifying() && Clock::now() < deadline) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    network.CancelNotifying();
+    std::cout << "  Notification: " << pressed.identity() << " announced itself; the network has "
+              << network.ModuleCount() << " modules\n";
+
+    controller.hotPlug(SimModule::linearEncoder("LE00000007"));
+    const unsigned asked = network.FindHotswapped();
+    std::cout << "  Hot-swap search (" << asked << " identify commands): the network has " << network.ModuleCount()
+              << " modules\n";
+
+    int count = 0;
+    network.Readburst(count);
+    std::cout << "  Read-burst of " << count << " modules\n";
+    TextTable burst({{"Addr", TextTable::Align::Right}, {"Identity"}, {"Units"}, {"Reading", TextTable::Align::Right}});
+    for (int m = 0; m < count; ++m) {
+        KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
+        const int error = module.LastReadburst_Error();
+        std::string reading;
+        try {
+            char text[64];
+            std::snprintf(text, sizeof text, "%.4f", module.LastReadburst_InUnitsOfMeasure());
+            reading = text;
+            if (error != 0) reading = "(" + GetErrorDescriptionInternal(error) + ")";
+        } catch (const std::exception& failure) {
+            reading = std::string("(") + failure.what() + ")";
+        }
+        burst.addRow({std::to_string(module.Address()), module.ModuleID(),
+                      module.UnitsOfMeasure().empty() ? "-" : module.UnitsOfMeasure(), reading});
+    }
+    std::cout << burst.render("    ");
+
+    const std::string file = (folder / "bench-ethernet.xml").string();
+    network.Save(file);
+    network.Load(file);
+    std::cout << "  Saved to a settings file and loaded back: " << network.ModuleCount() << " modules\n";
 }
 
 int runDemo() {
@@ -282,6 +337,13 @@ int runDemo() {
         std::cout << "\nReadings, " << kReadingRounds << " rounds "
                   << std::chrono::duration_cast<std::chrono::milliseconds>(kBetweenRounds).count() << " ms apart\n"
                   << table.render();
+
+        for (unsigned n = 0; n < networks.Count(); ++n) {
+            KavroNetwork& network = *networks.Network(n);
+            if (network.IsConnected() && network.ControllerID() == session.controller(0).config().identity) {
+                showModuleLearning(n, network, session.controller(0), home.path());
+            }
+        }
         networks.DisconnectAll();
     }
     std::cout << "\nDisconnected.\n";
