@@ -108,7 +108,16 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
     ASSERT_TRUE(network.IsConnected());
     EXPECT_EQ("RS232IM (SERSIM0061)", network.Description());
     network.AddModule("GP00000061", "");
-    EXPECT_EQ(8192, network.GetModule(0)->ReadingInCounts());
+    KavroModule* probe = network.GetModule(0);
+    EXPECT_EQ(8192, probe->ReadingInCounts());
+
+    // A request the controller drops costs one time-out, and the line stays
+    // in step.
+    controller.injectFault(SimFault::closeConnection().only('L'));
+    Stopwatch watch;
+    EXPECT_THROW(probe->ReadingInCounts(), KavroException);
+    EXPECT_LT(watch.elapsed(), kSerialLimit + kMargin);
+    EXPECT_EQ(8192, probe->ReadingInCounts());
 }
 
 TEST(NetworkEndToEndFailure, LostAndRefusedRepliesReachTheApplication) {
@@ -172,4 +181,41 @@ TEST(NetworkEndToEndFailure, LostAndRefusedRepliesReachTheApplication) {
     ASSERT_EQ(2, network.ModuleCount());
     EXPECT_EQ(2, controller.module("GP00000063")->address());
     EXPECT_NEAR(2.5, network.GetModule(1)->ReadingInUnits(), 1e-9);
+}
+
+TEST(NetworkEndToEndFailure, LateAnswersAndControllersThatHangUp) {
+    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0064"), {probeAt("GP00000064", 2.0, 1.0)});
+    KavroNetworkETHIM& network = bench.network;
+    ASSERT_TRUE(network.IsConnected());
+    network.AddModule("GP00000064", "");
+    KavroModule* probe = network.GetModule(0);
+
+    // An answer that comes late but within the time-out is taken as soon as
+    // it arrives.
+    bench.controller.injectFault(SimFault::delay(300ms).only('L'));
+    Stopwatch watch;
+    EXPECT_EQ(8192, probe->ReadingInCounts());
+    EXPECT_GE(watch.elapsed(), 300ms);
+    EXPECT_LT(watch.elapsed(), 300ms + kMargin);
+
+    // The controller closes the connection (it restarted): that read is lost
+    // at once, and the next one goes out on a new connection.
+    bench.controller.injectFault(SimFault::closeConnection().only('L'));
+    watch = Stopwatch();
+    EXPECT_THROW(probe->ReadingInCounts(), KavroException);
+    EXPECT_LT(watch.elapsed(), kMargin);
+    EXPECT_EQ(8192, probe->ReadingInCounts());
+    EXPECT_EQ(2u, bench.face.connectionsAccepted());
+    EXPECT_TRUE(network.IsConnected());
+
+    // The controller is gone: reads fail at once, and the network knows it
+    // is no longer connected.
+    bench.face.stop();
+    CerrCapture errors;
+    watch = Stopwatch();
+    EXPECT_THROW(probe->ReadingInCounts(), KavroException);
+    EXPECT_THROW(probe->ReadingInCounts(), KavroException);
+    EXPECT_LT(watch.elapsed(), kMargin);
+    EXPECT_FALSE(network.IsConnected());
+    EXPECT_NE(std::string::npos, errors.text().find("Unable to connect to ethim")) << errors.text();
 }
