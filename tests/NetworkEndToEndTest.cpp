@@ -225,7 +225,10 @@ TEST(NetworkEndToEnd, DeletedModulesLeaveTheRestRenumbered) {
     EXPECT_EQ(-1, network.GetModuleIndexByID("GP00000022"));
     EXPECT_EQ(4096, network.GetModule(0)->ReadingInCounts());
     EXPECT_EQ(12288, network.GetModule(1)->ReadingInCounts());
-    EXPECT_EQ("GP00000022", middle->ModuleID());  // the application's pointer stays valid
+    // The application's pointer stays valid, but no longer reaches the bus:
+    // its old address belongs to the next module now.
+    EXPECT_EQ("GP00000022", middle->ModuleID());
+    EXPECT_THROW(middle->ReadingInCounts(), KavroException);
 
     network.DeleteModule("GP00000021");
     ASSERT_EQ(1, network.ModuleCount());

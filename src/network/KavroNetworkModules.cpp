@@ -73,6 +73,9 @@ void KavroNetwork::DeleteModule(int index) {
     }
     KavroModule* removed = modules[static_cast<std::size_t>(index)];
     modules.erase(modules.begin() + index);
+    // Its old address now belongs to the next module: a read through a
+    // pointer the application kept must not return that module's reading.
+    removed->setAddress(0);
     retireModule(removed);
 }
 
