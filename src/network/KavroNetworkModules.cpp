@@ -76,9 +76,6 @@ void KavroNetwork::DeleteModule(int index) {
         std::lock_guard<std::mutex> guard(modulesLock_);
         modules.erase(modules.begin() + index);
     }
-    // Its old address now belongs to the next module: a read through a
-    // pointer the application kept must not return that module's reading.
-    removed->setAddress(0);
     retireModule(removed);
 }
 
