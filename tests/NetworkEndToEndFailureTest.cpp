@@ -88,7 +88,7 @@ TEST(NetworkEndToEndFailure, SilentEthernetControllerLeavesTheNetworkUnconnected
 
 TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) {
     SimController controller(SimControllerConfig::serial("SERSIM0061"));
-    controller.addModule(probeAt("GP00000061", 2.0, 1.0));
+    controller.addModule(simProbe("GP00000061", 1.0, 2.0));
     controller.injectFault(SimFault::dropReply().on(SimRequestKind::GetInfo));
     SimSerialFace line(controller);
     line.start();
@@ -122,10 +122,10 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
 
 TEST(NetworkEndToEndFailure, LostRepliesReachTheApplication) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0062"),
-                        {probeAt("GP00000062", 2.0, 1.0), probeAt("GP00000063", 5.0, 2.5)});
-    KavroNetworkETHIM& network = bench.network;
-    SimController& controller = bench.controller;
+    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0062"),
+                            {simProbe("GP00000062", 1.0, 2.0), simProbe("GP00000063", 2.5, 5.0)});
+    KavroNetworkETHIM& network = *rig->network;
+    SimController& controller = rig->controller;
     ASSERT_TRUE(network.IsConnected());
     network.AddModule("GP00000062", "");
     KavroModule* probe = network.GetModule(0);
@@ -174,15 +174,15 @@ TEST(NetworkEndToEndFailure, LostRepliesReachTheApplication) {
 }
 
 TEST(NetworkEndToEndFailure, LateAnswersAndControllersThatHangUp) {
-    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0064"), {probeAt("GP00000064", 2.0, 1.0)});
-    KavroNetworkETHIM& network = bench.network;
+    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0064"), {simProbe("GP00000064", 1.0, 2.0)});
+    KavroNetworkETHIM& network = *rig->network;
     ASSERT_TRUE(network.IsConnected());
     network.AddModule("GP00000064", "");
     KavroModule* probe = network.GetModule(0);
 
     // An answer that comes late but within the time-out is taken as soon as
     // it arrives.
-    bench.controller.injectFault(SimFault::delay(300ms).only('L'));
+    rig->controller.injectFault(SimFault::delay(300ms).only('L'));
     Stopwatch watch;
     EXPECT_EQ(8192, probe->ReadingInCounts());
     EXPECT_GE(watch.elapsed(), 300ms);
@@ -190,17 +190,17 @@ TEST(NetworkEndToEndFailure, LateAnswersAndControllersThatHangUp) {
 
     // The controller closes the connection (it restarted): that read is lost
     // at once, and the next one goes out on a new connection.
-    bench.controller.injectFault(SimFault::closeConnection().only('L'));
+    rig->controller.injectFault(SimFault::closeConnection().only('L'));
     watch = Stopwatch();
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);
     EXPECT_LT(watch.elapsed(), kMargin);
     EXPECT_EQ(8192, probe->ReadingInCounts());
-    EXPECT_EQ(2u, bench.face.connectionsAccepted());
+    EXPECT_EQ(2u, rig->face.connectionsAccepted());
     EXPECT_TRUE(network.IsConnected());
 
     // The controller is gone: reads fail at once, and the network knows it
     // is no longer connected.
-    bench.face.stop();
+    rig->face.stop();
     CerrCapture errors;
     watch = Stopwatch();
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);

@@ -20,8 +20,8 @@ using namespace e2e;
 
 namespace {
 
-SimModule olderProbeAt(const std::string& identity, double rangeMm, double value, int generation) {
-    SimModule probe = probeAt(identity, rangeMm, value);
+SimModule olderProbe(const std::string& identity, double value, double rangeMm, int generation) {
+    SimModule probe = simProbe(identity, value, rangeMm);
     probe.setGeneration(generation);
     return probe;
 }
@@ -35,15 +35,15 @@ SimControllerConfig secondEthernet(const std::string& identity) {
 }  // namespace
 
 TEST(NetworkEndToEnd, EthernetNetworkAddsReadsAndChangesSpeed) {
-    EthernetBench bench(secondEthernet("ETHSIM0001"),
-                        {probeAt("GP00000001", 2.0, 1.0), probeAt("GP00000002", 5.0, 2.5)});
-    KavroNetworkETHIM& network = bench.network;
+    auto rig = connectedRig(secondEthernet("ETHSIM0001"),
+                            {simProbe("GP00000001", 1.0, 2.0), simProbe("GP00000002", 2.5, 5.0)});
+    KavroNetworkETHIM& network = *rig->network;
     ASSERT_TRUE(network.IsConnected());
     EXPECT_EQ("ETHIM 2 (ETHSIM0001)", network.Description());
     EXPECT_EQ("ETHSIM0001", network.ControllerID());
     EXPECT_EQ(eNetworkType::ETHIM2, network.NetworkType());
     EXPECT_EQ(32, network.MaximumAllowableNumberOfModules());
-    EXPECT_EQ(SimSpeed::Low, bench.controller.busSpeed());
+    EXPECT_EQ(SimSpeed::Low, rig->controller.busSpeed());
 
     network.AddModule("GP00000001", "Left");
     network.AddModule("GP00000002", "Right");
@@ -59,30 +59,30 @@ TEST(NetworkEndToEnd, EthernetNetworkAddsReadsAndChangesSpeed) {
     EXPECT_NEAR(1.0, left->ReadingInUnits(), 1e-9);
     EXPECT_EQ(8192, right->ReadingInCounts());
     EXPECT_NEAR(2.5, right->ReadingInUnits(), 1e-9);
-    EXPECT_EQ(1, bench.controller.module("GP00000001")->address());
-    EXPECT_EQ(2, bench.controller.module("GP00000002")->address());
+    EXPECT_EQ(1, rig->controller.module("GP00000001")->address());
+    EXPECT_EQ(2, rig->controller.module("GP00000002")->address());
 
     network.setNetSpeed(eNetSpeed::UltraHigh);
-    EXPECT_EQ(SimSpeed::UltraHigh, bench.controller.busSpeed());
-    EXPECT_EQ(SimSpeed::UltraHigh, bench.controller.module("GP00000001")->speed());
-    EXPECT_EQ(SimSpeed::UltraHigh, bench.controller.module("GP00000002")->speed());
+    EXPECT_EQ(SimSpeed::UltraHigh, rig->controller.busSpeed());
+    EXPECT_EQ(SimSpeed::UltraHigh, rig->controller.module("GP00000001")->speed());
+    EXPECT_EQ(SimSpeed::UltraHigh, rig->controller.module("GP00000002")->speed());
     EXPECT_NEAR(1.0, left->ReadingInUnits(), 1e-9);
     network.setNetSpeed(eNetSpeed::Low);
-    EXPECT_EQ(SimSpeed::Low, bench.controller.busSpeed());
+    EXPECT_EQ(SimSpeed::Low, rig->controller.busSpeed());
     EXPECT_NEAR(2.5, right->ReadingInUnits(), 1e-9);
 
     network.Disconnect();
     EXPECT_FALSE(network.IsConnected());
     EXPECT_EQ(0, network.ModuleCount());
-    EXPECT_EQ(0, bench.controller.module("GP00000001")->address());
-    EXPECT_EQ(0, bench.controller.module("GP00000002")->address());
+    EXPECT_EQ(0, rig->controller.module("GP00000001")->address());
+    EXPECT_EQ(0, rig->controller.module("GP00000002")->address());
 }
 
 TEST(NetworkEndToEnd, AbsentModulesAndRangeReplies) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0002"),
-                        {probeAt("GP00000003", 2.0, 1.0), SimModule::analogue("AI00000003", 630102)});
-    KavroNetworkETHIM& network = bench.network;
+    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0002"),
+                            {simProbe("GP00000003", 1.0, 2.0), SimModule::analogue("AI00000003", 630102)});
+    KavroNetworkETHIM& network = *rig->network;
     ASSERT_TRUE(network.IsConnected());
 
     EXPECT_EQ("Module Identity GP00000099. Unable to add module.",
@@ -95,10 +95,10 @@ TEST(NetworkEndToEnd, AbsentModulesAndRangeReplies) {
 
     // Out of range is a reading, not an error: zero counts under the range
     // and full scale over it, in units the ends of the range.
-    bench.controller.setSignal("GP00000003", SimSignal::constant(-0.5));
+    rig->controller.setSignal("GP00000003", SimSignal::constant(-0.5));
     EXPECT_EQ(0, probe->ReadingInCounts());
     EXPECT_EQ(static_cast<int>(eKavroErrors::UnderRange), probe->ModuleStatus()->ErrorCode());
-    bench.controller.setSignal("GP00000003", SimSignal::constant(2.5));
+    rig->controller.setSignal("GP00000003", SimSignal::constant(2.5));
     EXPECT_EQ(16384, probe->ReadingInCounts());
     EXPECT_EQ(static_cast<int>(eKavroErrors::OverRange), probe->ModuleStatus()->ErrorCode());
     EXPECT_NEAR(2.0, probe->ReadingInUnits(), 1e-9);
@@ -107,19 +107,19 @@ TEST(NetworkEndToEnd, AbsentModulesAndRangeReplies) {
     // offset, plus the extra offset the network may give it.
     ASSERT_EQ(eModuleType::AIM, analogue->ModuleType());
     EXPECT_NEAR(-10.0, analogue->Offset(), 1e-9);
-    bench.controller.setSignal("AI00000003", SimSignal::constant(2.5));
+    rig->controller.setSignal("AI00000003", SimSignal::constant(2.5));
     EXPECT_NEAR(2.5, analogue->ReadingInUnits(), 1.0 / 819.2);
-    bench.controller.setSignal("AI00000003", SimSignal::constant(-12.0));
+    rig->controller.setSignal("AI00000003", SimSignal::constant(-12.0));
     EXPECT_EQ(0, analogue->ReadingInCounts());
     EXPECT_NEAR(-10.0, analogue->ReadingInUnits(), 1e-9);
     analogue->ReadType()->SizeOffset = 0.25;
     EXPECT_NEAR(-9.75, analogue->ReadingInUnits(), 1e-9);
-    bench.controller.setSignal("AI00000003", SimSignal::constant(12.0));
+    rig->controller.setSignal("AI00000003", SimSignal::constant(12.0));
     EXPECT_EQ(16384, analogue->ReadingInCounts());
     EXPECT_NEAR(10.25, analogue->ReadingInUnits(), 1e-9);
 
     // A refusal other than a range is the module's error, with its text.
-    bench.controller.injectFault(SimFault::errorReply(0x07).only('L'));
+    rig->controller.injectFault(SimFault::errorReply(0x07).only('L'));
     try {
         probe->ReadingInCounts();
         FAIL() << "expected the module's error";
@@ -128,13 +128,13 @@ TEST(NetworkEndToEnd, AbsentModulesAndRangeReplies) {
         EXPECT_EQ("The module is in the wrong mode for this command.", error.Message);
         EXPECT_EQ(error.Message, error.what());
     }
-    bench.controller.setSignal("GP00000003", SimSignal::constant(1.0));
+    rig->controller.setSignal("GP00000003", SimSignal::constant(1.0));
     EXPECT_EQ(8192, probe->ReadingInCounts());
 }
 
 TEST(NetworkEndToEnd, SerialNetworkReadsAtTheSpeedsItOffers) {
     SimController controller(SimControllerConfig::serial("SERSIM0001"));
-    controller.addModule(olderProbeAt("GP00000004", 5.0, 1.25, 2));
+    controller.addModule(olderProbe("GP00000004", 1.25, 5.0, 2));
     SimSerialFace line(controller);
     line.start();
 
@@ -160,11 +160,11 @@ TEST(NetworkEndToEnd, SerialNetworkReadsAtTheSpeedsItOffers) {
 }
 
 TEST(NetworkEndToEnd, TheModuleSetDecidesTheSpeeds) {
-    EthernetBench bench(
+    auto rig = connectedRig(
         secondEthernet("ETHSIM0011"),
-        {probeAt("GP00000011", 2.0, 0.5), olderProbeAt("GP00000012", 5.0, 1.25, 2), probeAt("GP00000013", 10.0, 7.5)});
-    KavroNetworkETHIM& network = bench.network;
-    SimController& controller = bench.controller;
+        {simProbe("GP00000011", 0.5, 2.0), olderProbe("GP00000012", 1.25, 5.0, 2), simProbe("GP00000013", 7.5, 10.0)});
+    KavroNetworkETHIM& network = *rig->network;
+    SimController& controller = rig->controller;
     ASSERT_TRUE(network.IsConnected());
     const std::vector<eNetSpeed> all{eNetSpeed::Low, eNetSpeed::High, eNetSpeed::UltraHigh};
     EXPECT_EQ(all, network.AvailableSpeeds());
@@ -207,18 +207,18 @@ TEST(NetworkEndToEnd, TheModuleSetDecidesTheSpeeds) {
 }
 
 TEST(NetworkEndToEnd, DeletedModulesLeaveTheRestRenumbered) {
-    EthernetBench bench(
+    auto rig = connectedRig(
         SimControllerConfig::ethernet("ETHSIM0021"),
-        {probeAt("GP00000021", 2.0, 0.5), probeAt("GP00000022", 2.0, 1.0), probeAt("GP00000023", 2.0, 1.5)});
-    KavroNetworkETHIM& network = bench.network;
+        {simProbe("GP00000021", 0.5, 2.0), simProbe("GP00000022", 1.0, 2.0), simProbe("GP00000023", 1.5, 2.0)});
+    KavroNetworkETHIM& network = *rig->network;
     ASSERT_TRUE(network.IsConnected());
     for (const char* identity : {"GP00000021", "GP00000022", "GP00000023"}) network.AddModule(identity, "");
     KavroModule* middle = network.GetModule(1);
 
     network.DeleteModule(1);
     ASSERT_EQ(2, network.ModuleCount());
-    EXPECT_EQ(0, bench.controller.module("GP00000022")->address());
-    EXPECT_EQ(2, bench.controller.module("GP00000023")->address());
+    EXPECT_EQ(0, rig->controller.module("GP00000022")->address());
+    EXPECT_EQ(2, rig->controller.module("GP00000023")->address());
     EXPECT_EQ(2, network.GetModule(1)->Address());
     EXPECT_EQ(1, network.GetModuleIndexByID("GP00000023"));
     EXPECT_EQ(-1, network.GetModuleIndexByID("GP00000022"));
@@ -231,26 +231,26 @@ TEST(NetworkEndToEnd, DeletedModulesLeaveTheRestRenumbered) {
 
     network.DeleteModule("GP00000021");
     ASSERT_EQ(1, network.ModuleCount());
-    EXPECT_EQ(0, bench.controller.module("GP00000021")->address());
-    EXPECT_EQ(1, bench.controller.module("GP00000023")->address());
+    EXPECT_EQ(0, rig->controller.module("GP00000021")->address());
+    EXPECT_EQ(1, rig->controller.module("GP00000023")->address());
     EXPECT_NEAR(1.5, network.GetModule(0)->ReadingInUnits(), 1e-9);
 
     // A deleted module can come back; it takes the next address.
     network.AddModule("GP00000022", "");
-    EXPECT_EQ(2, bench.controller.module("GP00000022")->address());
+    EXPECT_EQ(2, rig->controller.module("GP00000022")->address());
     EXPECT_EQ(8192, network.GetModule(1)->ReadingInCounts());
 }
 
 TEST(NetworkEndToEnd, ProbeAveragingAndResolution) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    SimModule probe = probeAt("GP00000031", 2.0, 1.5);
+    SimModule probe = simProbe("GP00000031", 1.5, 2.0);
     probe.setAveraging(64);
-    SimModule oldFormat = probeAt("GP00000032", 5.0, 2.5);
+    SimModule oldFormat = simProbe("GP00000032", 2.5, 5.0);
     oldFormat.setInfoFormat(SimInfoFormat::Old);
-    SimModule firstGeneration = olderProbeAt("GP00000033", 5.0, 1.25, 0);
-    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0031"), {probe, oldFormat, firstGeneration});
-    KavroNetworkETHIM& network = bench.network;
-    SimController& controller = bench.controller;
+    SimModule firstGeneration = olderProbe("GP00000033", 1.25, 5.0, 0);
+    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0031"), {probe, oldFormat, firstGeneration});
+    KavroNetworkETHIM& network = *rig->network;
+    SimController& controller = rig->controller;
     ASSERT_TRUE(network.IsConnected());
     for (const char* identity : {"GP00000031", "GP00000032", "GP00000033"}) network.AddModule(identity, "");
     auto* dp = dynamic_cast<KavroModuleDP*>(network.GetModule(0));
@@ -314,17 +314,16 @@ TEST(NetworkEndToEnd, ProbeAveragingAndResolution) {
     // memory is never asked.
     EXPECT_EQ(eGeneration::Classic, first->KavroGeneration());
     EXPECT_EQ(eAveraging::average16, first->Averaging());
-    for (const SimRequest& request : bench.moduleCommands()) {
-        EXPECT_FALSE(request.code() == 'M' && request.command.size() > 1 && request.command[1] == 3)
-            << request.describe();
+    for (const SimRequest& request : rig->logged('M')) {
+        EXPECT_FALSE(request.command.size() > 1 && request.command[1] == 3) << request.describe();
     }
     EXPECT_NEAR(1.25, first->ReadingInUnits(), 1e-9);
 }
 
 TEST(NetworkEndToEnd, ModuleLimitAndRefusals) {
-    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0041"));  // module limit "L032"
-    KavroNetworkETHIM& network = bench.network;
-    SimController& controller = bench.controller;
+    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0041"));  // module limit "L032"
+    KavroNetworkETHIM& network = *rig->network;
+    SimController& controller = rig->controller;
     ASSERT_TRUE(network.IsConnected());
     EXPECT_EQ("ETHIM (ETHSIM0041)", network.Description());
     EXPECT_EQ(eNetworkType::ETHIM, network.NetworkType());
@@ -335,7 +334,7 @@ TEST(NetworkEndToEnd, ModuleLimitAndRefusals) {
         char identity[16];
         std::snprintf(identity, sizeof identity, "LM%08d", i);
         identities.push_back(identity);
-        controller.addModule(probeAt(identity, 2.0, 0.03125 * i));
+        controller.addModule(simProbe(identity, 0.03125 * i, 2.0));
     }
     for (int i = 0; i < 32; ++i) network.AddModule(identities[i], "");
     ASSERT_EQ(32, network.ModuleCount());

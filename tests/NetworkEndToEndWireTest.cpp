@@ -33,10 +33,10 @@ std::vector<Bytes> rawOf(const std::vector<SimRequest>& requests) {
 }  // namespace
 
 TEST(NetworkEndToEndWire, EthernetNetworkBytesOnTheBus) {
-    EthernetBench bench(SimControllerConfig::ethernet("ETHSIM0071"),
-                        {probeAt("GP00000071", 2.0, 1.0), probeAt("GP00000072", 2.0, 1.0)});
-    SimController& controller = bench.controller;
-    KavroNetworkETHIM& network = bench.network;
+    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0071"),
+                            {simProbe("GP00000071", 1.0, 2.0), simProbe("GP00000072", 1.0, 2.0)});
+    SimController& controller = rig->controller;
+    KavroNetworkETHIM& network = *rig->network;
     ASSERT_TRUE(network.IsConnected());
 
     // Get-info and identify, then a reset at each controller speed, ending
@@ -91,7 +91,7 @@ TEST(NetworkEndToEndWire, EthernetNetworkBytesOnTheBus) {
 
 TEST(NetworkEndToEndWire, SerialSpeedRequestsCarryTheBaudIndex) {
     SimController controller(SimControllerConfig::serial("SERSIM0071"));
-    controller.addModule(probeAt("GP00000073", 2.0, 1.0));
+    controller.addModule(simProbe("GP00000073", 1.0, 2.0));
     SimSerialFace line(controller);
     line.start();
 
