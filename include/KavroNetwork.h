@@ -110,7 +110,8 @@ public:
 
 protected:
     // Takes a module out of the list without destroying it: a pointer the
-    // application still holds stays valid while the network lives.
+    // application still holds stays valid while the network lives. Its
+    // address becomes 0, where no module answers.
     void retireModule(KavroModule* module);
     // A copy of the module list, taken under the list's lock.
     std::vector<KavroModule*> moduleSnapshot() const;

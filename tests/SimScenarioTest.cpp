@@ -1,15 +1,10 @@
 // Scenario files, sessions built from them, and the kavro-sim program.
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <regex>
 #include <sstream>
 
 #include <gtest/gtest.h>
 
+#include "ChildProcess.h"
 #include "SimTestClient.h"
 #include "TempDir.h"
 
@@ -32,67 +27,7 @@ std::string parseError(const std::string& text) {
     return "(no error)";
 }
 
-// Runs kavro-sim with `args`, reading its output through a pipe.
-class Program {
-public:
-    explicit Program(std::vector<std::string> args) {
-        int out[2];
-        if (pipe2(out, O_CLOEXEC) != 0) throw std::runtime_error("pipe");
-        pid_ = fork();
-        if (pid_ == 0) {
-            dup2(out[1], 1);
-            dup2(out[1], 2);
-            std::vector<char*> argv;
-            static std::string program = KAVRO_BINARY_DIR "/sim/kavro-sim";
-            argv.push_back(program.data());
-            for (auto& arg : args) argv.push_back(arg.data());
-            argv.push_back(nullptr);
-            execv(argv[0], argv.data());
-            _exit(127);
-        }
-        close(out[1]);
-        fd_ = out[0];
-    }
-    ~Program() {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-        close(fd_);
-    }
-
-    // Output until `marker` appears or the output ends, within the bound.
-    std::string readUntil(const std::string& marker, std::chrono::milliseconds bound = 5000ms) {
-        const auto deadline = std::chrono::steady_clock::now() + bound;
-        while (output_.find(marker) == std::string::npos) {
-            const auto left =
-                std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-            pollfd watch{fd_, POLLIN, 0};
-            if (left.count() <= 0 || poll(&watch, 1, static_cast<int>(left.count())) <= 0) break;
-            char buffer[512];
-            const ssize_t n = read(fd_, buffer, sizeof buffer);
-            if (n <= 0) break;
-            output_.append(buffer, static_cast<std::size_t>(n));
-        }
-        return output_;
-    }
-
-    // The exit status once the output has ended.
-    int exitStatus() {
-        readUntil("\x01(end)");
-        int status = 0;
-        waitpid(pid_, &status, 0);
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-    void signal(int number) { kill(pid_, number); }
-
-private:
-    pid_t pid_ = -1;
-    int fd_ = -1;
-    std::string output_;
-};
+const std::string kKavroSim = KAVRO_BINARY_DIR "/sim/kavro-sim";
 
 }  // namespace
 
@@ -204,7 +139,7 @@ TEST(SimScenario, ProgramServesUntilTerminated) {
     TempDir dir;
     const std::string scenario =
         dir.write("bench.scn", "controller ethernet auto\nmodule probe GP00000001 range=2\ncontroller serial\n");
-    Program program({"--trace", "--scenario", scenario});
+    ChildProcess program(kKavroSim, {"--trace", "--scenario", scenario});
     const std::string output = program.readUntil("Running");
     std::smatch where;
     ASSERT_TRUE(std::regex_search(output, where, std::regex("on ethernet ([0-9.]+):10001"))) << output;
@@ -217,12 +152,13 @@ TEST(SimScenario, ProgramServesUntilTerminated) {
     program.signal(SIGTERM);
     EXPECT_EQ(0, program.exitStatus());
 
-    Program help({"--help"});
+    ChildProcess help(kKavroSim, {"--help"});
     EXPECT_NE(std::string::npos, help.readUntil("SEED").find("Scenario format"));
     EXPECT_EQ(0, help.exitStatus());
-    Program broken({"--scenario", dir.write("bad.scn", "controller ethernet auto\nmodule probe X range=2\n")});
+    ChildProcess broken(kKavroSim,
+                        {"--scenario", dir.write("bad.scn", "controller ethernet auto\nmodule probe X range=2\n")});
     EXPECT_NE(std::string::npos, broken.readUntil("characters").find("bad.scn:2:"));
     EXPECT_EQ(1, broken.exitStatus());
-    Program unknown({"--verbose"});
+    ChildProcess unknown(kKavroSim, {"--verbose"});
     EXPECT_EQ(2, unknown.exitStatus());
 }

@@ -53,11 +53,27 @@ int sendUntil(int fd, const unsigned char* buffer, int count, LinkClock::time_po
     return sent;
 }
 
+// True when the controller has closed the connection (end of stream) or
+// reset it; what was waiting has been flushed already.
+bool controllerHungUp(int fd) {
+    if (fd < 0) return false;
+    unsigned char next = 0;
+    const ssize_t n = recv(fd, &next, 1, MSG_PEEK | MSG_DONTWAIT);
+    return n == 0 || (n < 0 && isLostConnection(errno));
+}
+
 // Stale bytes (an answer that came after its time limit, the rest of one cut
 // short) would otherwise be taken for the start of the next answer.
 void sendRequest(NetworkConfiguration* config, std::vector<unsigned char> bytes) {
     if (bytes.empty()) return;
     SocketFlushData(config);
+    // A controller that closed the connection in good order (it restarted)
+    // still lets the first write through, and the frame would be lost
+    // unnoticed: connect again before writing.
+    if (controllerHungUp(config->SocketFd)) {
+        closeSocket(config);
+        if (!openSocket(config)) return;
+    }
     SocketWriteDataFixedLength(config, bytes.data(), static_cast<int>(bytes.size()));
 }
 

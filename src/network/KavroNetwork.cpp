@@ -129,6 +129,11 @@ bool KavroNetwork::ReadBurstCapable() const {
     return ReadBurstCapableCount() > 0;
 }
 
-void KavroNetwork::retireModule(KavroModule* module) { retiredModules_.emplace_back(module); }
+void KavroNetwork::retireModule(KavroModule* module) {
+    // Its old address belongs to another module now, or soon: a read through
+    // a pointer the application kept must not return that module's reading.
+    module->setAddress(0);
+    retiredModules_.emplace_back(module);
+}
 
 }  // namespace KavroLibrary

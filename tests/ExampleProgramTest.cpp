@@ -1,0 +1,60 @@
+// The first example program against the default scenario, so that neither
+// the example nor the scenario can drift away from the other.
+#include <map>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "ChildProcess.h"
+#include "core/KavroSim.h"
+
+using namespace kavrosim;
+
+namespace {
+
+const std::string kExample = KAVRO_BINARY_DIR "/examples/example-read_probes";
+
+}  // namespace
+
+TEST(ExampleProgram, ReadsEveryProbeOfTheDefaultScenario) {
+    SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
+    ASSERT_FALSE(scenario.controllers.empty());
+    SimScenarioController& ethernet = scenario.controllers.front();
+    ASSERT_EQ(SimFaceKind::Ethernet, ethernet.face);
+    EXPECT_EQ("127.0.0.1", ethernet.address);  // where the example looks by default
+    ethernet.address.clear();                  // tests take a free loopback address
+    SimSession session(scenario);
+    session.start();
+
+    ChildProcess example(kExample, {session.face(0).location()});
+    const std::string output = example.output();
+    EXPECT_EQ(0, example.exitStatus()) << output;
+
+    // One line per probe of the scenario, in millimetres within its range.
+    const std::regex line("([A-Z0-9]{10})  (-?[0-9]+\\.[0-9]{4}) mm\n");
+    std::map<std::string, double> readings;
+    for (auto it = std::sregex_iterator(output.begin(), output.end(), line); it != std::sregex_iterator(); ++it) {
+        readings[(*it)[1]] = std::stod((*it)[2]);
+    }
+    int probes = 0;
+    for (const SimModule& module : ethernet.modules) {
+        if (module.kind() != SimKind::DigitalProbe) continue;
+        ++probes;
+        ASSERT_EQ(1u, readings.count(module.identity())) << module.identity() << " missing from:\n" << output;
+        const double reading = readings[module.identity()];
+        EXPECT_GE(reading, 0.0) << module.identity();
+        EXPECT_LE(reading, module.range()) << module.identity();
+    }
+    EXPECT_EQ(4, probes);
+    EXPECT_EQ(static_cast<std::size_t>(probes), readings.size()) << output;
+    // The constant probe reads exactly its value.
+    EXPECT_EQ(2.5, readings["GP05000002"]);
+}
+
+TEST(ExampleProgram, WithoutAControllerItSaysWhatToStart) {
+    ChildProcess example(kExample, {freeLoopbackAddress()});
+    const std::string output = example.output();
+    EXPECT_EQ(1, example.exitStatus()) << output;
+    EXPECT_NE(std::string::npos, output.find(": start kavro-sim first")) << output;
+    EXPECT_EQ(std::string::npos, output.find(" mm\n")) << output;
+}
