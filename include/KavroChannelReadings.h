@@ -11,10 +11,10 @@ namespace KavroLibrary {
 
 // One channel of a multi-channel read.
 struct sChannelReading {
-    int Channel = 0;                          // channel number, 1 to 12
+    int Channel = 0;                             // channel number, 1 to 12
     eKavroErrors Error = eKavroErrors::NoError;  // the channel's own status
-    eRead3_UOM Unit = eRead3_UOM::Default;      // unit the value is given in
-    double Value = 0.0;                        // the reading in that unit
+    eRead3_UOM Unit = eRead3_UOM::Default;       // unit the value is given in
+    double Value = 0.0;                          // the reading in that unit
 };
 
 class KavroChannelReadings {

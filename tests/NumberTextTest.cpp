@@ -90,7 +90,10 @@ TEST(NumberText, CommaDecimalLocaleChangesNothing) {
 }
 
 TEST(NumberText, HostileInputNeverCrashes) {
-    std::string nul("4\0" "2", 3);
+    std::string nul(
+        "4\0"
+        "2",
+        3);
     EXPECT_EQ(42, KavroNumberStrToInt(nul));
     std::string high;
     for (int c = 128; c < 256; ++c) high.push_back(static_cast<char>(c));

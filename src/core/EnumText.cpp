@@ -27,14 +27,10 @@ std::string eModuleType_ToString(eModuleType value) { return enumToString(keModu
 eModuleType eModuleType_FromString(const std::string& text) { return enumFromString(keModuleTypeRows, text); }
 
 static const EnumRow<eNetworkType> keNetworkTypeRows[] = {
-    {eNetworkType::Unknown, "Unknown"},
-    {eNetworkType::RS232, "RS232"},
-    {eNetworkType::WIMV2, "WIMV2"},
-    {eNetworkType::RS232IM_Mk2, "RS232IM_Mk2"},
-    {eNetworkType::ETHIM, "ETHIM"},
-    {eNetworkType::USBIM_Mk2, "USBIM_Mk2"},
-    {eNetworkType::PIM, "PIM"},
-    {eNetworkType::ETHIM2, "ETHIM2"},
+    {eNetworkType::Unknown, "Unknown"}, {eNetworkType::RS232, "RS232"},
+    {eNetworkType::WIMV2, "WIMV2"},     {eNetworkType::RS232IM_Mk2, "RS232IM_Mk2"},
+    {eNetworkType::ETHIM, "ETHIM"},     {eNetworkType::USBIM_Mk2, "USBIM_Mk2"},
+    {eNetworkType::PIM, "PIM"},         {eNetworkType::ETHIM2, "ETHIM2"},
 };
 std::string eNetworkType_ToString(eNetworkType value) { return enumToString(keNetworkTypeRows, value); }
 eNetworkType eNetworkType_FromString(const std::string& text) { return enumFromString(keNetworkTypeRows, text); }
@@ -74,10 +70,8 @@ std::string eDynamicRate_ToString(eDynamicRate value) { return enumToString(keDy
 eDynamicRate eDynamicRate_FromString(const std::string& text) { return enumFromString(keDynamicRateRows, text); }
 
 static const EnumRow<eDynamicState> keDynamicStateRows[] = {
-    {eDynamicState::Inactive, "Inactive"},
-    {eDynamicState::Prepared, "Prepared"},
-    {eDynamicState::Reading, "Reading"},
-    {eDynamicState::Processing, "Processing"},
+    {eDynamicState::Inactive, "Inactive"}, {eDynamicState::Prepared, "Prepared"},
+    {eDynamicState::Reading, "Reading"},   {eDynamicState::Processing, "Processing"},
     {eDynamicState::Complete, "Complete"},
 };
 std::string eDynamicState_ToString(eDynamicState value) { return enumToString(keDynamicStateRows, value); }
@@ -98,8 +92,12 @@ static const EnumRow<eDifferenceModeStatus> keDifferenceModeStatusRows[] = {
     {eDifferenceModeStatus::Stopped, "Stopped"},
     {eDifferenceModeStatus::Reset, "Reset"},
 };
-std::string eDifferenceModeStatus_ToString(eDifferenceModeStatus value) { return enumToString(keDifferenceModeStatusRows, value); }
-eDifferenceModeStatus eDifferenceModeStatus_FromString(const std::string& text) { return enumFromString(keDifferenceModeStatusRows, text); }
+std::string eDifferenceModeStatus_ToString(eDifferenceModeStatus value) {
+    return enumToString(keDifferenceModeStatusRows, value);
+}
+eDifferenceModeStatus eDifferenceModeStatus_FromString(const std::string& text) {
+    return enumFromString(keDifferenceModeStatusRows, text);
+}
 
 static const EnumRow<eBufferedMode> keBufferedModeRows[] = {
     {eBufferedMode::None, "None"},
@@ -114,8 +112,12 @@ static const EnumRow<eBufferedModeStatus> keBufferedModeStatusRows[] = {
     {eBufferedModeStatus::Reading, "Reading"},
     {eBufferedModeStatus::Finished, "Finished"},
 };
-std::string eBufferedModeStatus_ToString(eBufferedModeStatus value) { return enumToString(keBufferedModeStatusRows, value); }
-eBufferedModeStatus eBufferedModeStatus_FromString(const std::string& text) { return enumFromString(keBufferedModeStatusRows, text); }
+std::string eBufferedModeStatus_ToString(eBufferedModeStatus value) {
+    return enumToString(keBufferedModeStatusRows, value);
+}
+eBufferedModeStatus eBufferedModeStatus_FromString(const std::string& text) {
+    return enumFromString(keBufferedModeStatusRows, text);
+}
 
 static const EnumRow<eResolution> keResolutionRows[] = {
     {eResolution::resNone, "resNone"},
@@ -127,21 +129,27 @@ std::string eResolution_ToString(eResolution value) { return enumToString(keReso
 eResolution eResolution_FromString(const std::string& text) { return enumFromString(keResolutionRows, text); }
 
 static const EnumRow<eAGM_RotateDisplay> keAGM_RotateDisplayRows[] = {
-    {eAGM_RotateDisplay::RotateNone, "RotateNone"},
-    {eAGM_RotateDisplay::Rotate90, "Rotate90"},
-    {eAGM_RotateDisplay::Rotate180, "Rotate180"},
-    {eAGM_RotateDisplay::Rotate270, "Rotate270"},
+    {eAGM_RotateDisplay::RotateNone, "RotateNone"}, {eAGM_RotateDisplay::Rotate90, "Rotate90"},
+    {eAGM_RotateDisplay::Rotate180, "Rotate180"},   {eAGM_RotateDisplay::Rotate270, "Rotate270"},
     {eAGM_RotateDisplay::RotateAuto, "RotateAuto"},
 };
-std::string eAGM_RotateDisplay_ToString(eAGM_RotateDisplay value) { return enumToString(keAGM_RotateDisplayRows, value); }
-eAGM_RotateDisplay eAGM_RotateDisplay_FromString(const std::string& text) { return enumFromString(keAGM_RotateDisplayRows, text); }
+std::string eAGM_RotateDisplay_ToString(eAGM_RotateDisplay value) {
+    return enumToString(keAGM_RotateDisplayRows, value);
+}
+eAGM_RotateDisplay eAGM_RotateDisplay_FromString(const std::string& text) {
+    return enumFromString(keAGM_RotateDisplayRows, text);
+}
 
 static const EnumRow<eAGM_MeasurementMode> keAGM_MeasurementModeRows[] = {
     {eAGM_MeasurementMode::ZeroToScale, "ZeroToScale"},
     {eAGM_MeasurementMode::Absolute, "Absolute"},
 };
-std::string eAGM_MeasurementMode_ToString(eAGM_MeasurementMode value) { return enumToString(keAGM_MeasurementModeRows, value); }
-eAGM_MeasurementMode eAGM_MeasurementMode_FromString(const std::string& text) { return enumFromString(keAGM_MeasurementModeRows, text); }
+std::string eAGM_MeasurementMode_ToString(eAGM_MeasurementMode value) {
+    return enumToString(keAGM_MeasurementModeRows, value);
+}
+eAGM_MeasurementMode eAGM_MeasurementMode_FromString(const std::string& text) {
+    return enumFromString(keAGM_MeasurementModeRows, text);
+}
 
 static const EnumRow<eAGM_UOM> keAGM_UOMRows[] = {
     {eAGM_UOM::mm, "mm"},
@@ -152,32 +160,27 @@ std::string eAGM_UOM_ToString(eAGM_UOM value) { return enumToString(keAGM_UOMRow
 eAGM_UOM eAGM_UOM_FromString(const std::string& text) { return enumFromString(keAGM_UOMRows, text); }
 
 static const EnumRow<eAveraging> keAveragingRows[] = {
-    {eAveraging::averageNone, "averageNone"},
-    {eAveraging::average1, "average1"},
-    {eAveraging::average2, "average2"},
-    {eAveraging::average4, "average4"},
-    {eAveraging::average8, "average8"},
-    {eAveraging::average16, "average16"},
-    {eAveraging::average32, "average32"},
-    {eAveraging::average64, "average64"},
-    {eAveraging::average128, "average128"},
-    {eAveraging::average256, "average256"},
+    {eAveraging::averageNone, "averageNone"}, {eAveraging::average1, "average1"},
+    {eAveraging::average2, "average2"},       {eAveraging::average4, "average4"},
+    {eAveraging::average8, "average8"},       {eAveraging::average16, "average16"},
+    {eAveraging::average32, "average32"},     {eAveraging::average64, "average64"},
+    {eAveraging::average128, "average128"},   {eAveraging::average256, "average256"},
 };
 std::string eAveraging_ToString(eAveraging value) { return enumToString(keAveragingRows, value); }
 eAveraging eAveraging_FromString(const std::string& text) { return enumFromString(keAveragingRows, text); }
 
 static const EnumRow<eInterfaceBaudRate> keInterfaceBaudRateRows[] = {
-    {eInterfaceBaudRate::BaudDefault, "BaudDefault"},
-    {eInterfaceBaudRate::Baud19200, "Baud19200"},
-    {eInterfaceBaudRate::Baud28800, "Baud28800"},
-    {eInterfaceBaudRate::Baud38400, "Baud38400"},
-    {eInterfaceBaudRate::Baud57600, "Baud57600"},
-    {eInterfaceBaudRate::Baud115200, "Baud115200"},
-    {eInterfaceBaudRate::Baud230400, "Baud230400"},
-    {eInterfaceBaudRate::Baud460800, "Baud460800"},
+    {eInterfaceBaudRate::BaudDefault, "BaudDefault"}, {eInterfaceBaudRate::Baud19200, "Baud19200"},
+    {eInterfaceBaudRate::Baud28800, "Baud28800"},     {eInterfaceBaudRate::Baud38400, "Baud38400"},
+    {eInterfaceBaudRate::Baud57600, "Baud57600"},     {eInterfaceBaudRate::Baud115200, "Baud115200"},
+    {eInterfaceBaudRate::Baud230400, "Baud230400"},   {eInterfaceBaudRate::Baud460800, "Baud460800"},
 };
-std::string eInterfaceBaudRate_ToString(eInterfaceBaudRate value) { return enumToString(keInterfaceBaudRateRows, value); }
-eInterfaceBaudRate eInterfaceBaudRate_FromString(const std::string& text) { return enumFromString(keInterfaceBaudRateRows, text); }
+std::string eInterfaceBaudRate_ToString(eInterfaceBaudRate value) {
+    return enumToString(keInterfaceBaudRateRows, value);
+}
+eInterfaceBaudRate eInterfaceBaudRate_FromString(const std::string& text) {
+    return enumFromString(keInterfaceBaudRateRows, text);
+}
 
 static const EnumRow<eDimReadMode> keDimReadModeRows[] = {
     {eDimReadMode::ReadContinuous, "ReadContinuous"},
@@ -192,25 +195,32 @@ static const EnumRow<eReferenceMarkMode> keReferenceMarkModeRows[] = {
     {eReferenceMarkMode::Learn, "Learn"},
     {eReferenceMarkMode::Recall, "Recall"},
 };
-std::string eReferenceMarkMode_ToString(eReferenceMarkMode value) { return enumToString(keReferenceMarkModeRows, value); }
-eReferenceMarkMode eReferenceMarkMode_FromString(const std::string& text) { return enumFromString(keReferenceMarkModeRows, text); }
+std::string eReferenceMarkMode_ToString(eReferenceMarkMode value) {
+    return enumToString(keReferenceMarkModeRows, value);
+}
+eReferenceMarkMode eReferenceMarkMode_FromString(const std::string& text) {
+    return enumFromString(keReferenceMarkModeRows, text);
+}
 
 static const EnumRow<eEncoderInterfaceType> keEncoderInterfaceTypeRows[] = {
     {eEncoderInterfaceType::Differential, "Differential"},
     {eEncoderInterfaceType::SingleEnded, "SingleEnded"},
 };
-std::string eEncoderInterfaceType_ToString(eEncoderInterfaceType value) { return enumToString(keEncoderInterfaceTypeRows, value); }
-eEncoderInterfaceType eEncoderInterfaceType_FromString(const std::string& text) { return enumFromString(keEncoderInterfaceTypeRows, text); }
+std::string eEncoderInterfaceType_ToString(eEncoderInterfaceType value) {
+    return enumToString(keEncoderInterfaceTypeRows, value);
+}
+eEncoderInterfaceType eEncoderInterfaceType_FromString(const std::string& text) {
+    return enumFromString(keEncoderInterfaceTypeRows, text);
+}
 
 static const EnumRow<eQuadratureMode> keQuadratureModeRows[] = {
-    {eQuadratureMode::quadX1, "quadX1"},
-    {eQuadratureMode::quadX2, "quadX2"},
-    {eQuadratureMode::quadX4, "quadX4"},
-    {eQuadratureMode::CountAB, "CountAB"},
-    {eQuadratureMode::CountDIR, "CountDIR"},
+    {eQuadratureMode::quadX1, "quadX1"},   {eQuadratureMode::quadX2, "quadX2"},     {eQuadratureMode::quadX4, "quadX4"},
+    {eQuadratureMode::CountAB, "CountAB"}, {eQuadratureMode::CountDIR, "CountDIR"},
 };
 std::string eQuadratureMode_ToString(eQuadratureMode value) { return enumToString(keQuadratureModeRows, value); }
-eQuadratureMode eQuadratureMode_FromString(const std::string& text) { return enumFromString(keQuadratureModeRows, text); }
+eQuadratureMode eQuadratureMode_FromString(const std::string& text) {
+    return enumFromString(keQuadratureModeRows, text);
+}
 
 static const EnumRow<eRefAction> keRefActionRows[] = {
     {eRefAction::None, "None"},
@@ -228,8 +238,12 @@ static const EnumRow<eDynamicMasterMode> keDynamicMasterModeRows[] = {
     {eDynamicMasterMode::Refaction_Reset, "Refaction_Reset"},
     {eDynamicMasterMode::Refaction_Preset, "Refaction_Preset"},
 };
-std::string eDynamicMasterMode_ToString(eDynamicMasterMode value) { return enumToString(keDynamicMasterModeRows, value); }
-eDynamicMasterMode eDynamicMasterMode_FromString(const std::string& text) { return enumFromString(keDynamicMasterModeRows, text); }
+std::string eDynamicMasterMode_ToString(eDynamicMasterMode value) {
+    return enumToString(keDynamicMasterModeRows, value);
+}
+eDynamicMasterMode eDynamicMasterMode_FromString(const std::string& text) {
+    return enumFromString(keDynamicMasterModeRows, text);
+}
 
 static const EnumRow<eDirection> keDirectionRows[] = {
     {eDirection::Normal, "Normal"},
@@ -243,24 +257,30 @@ static const EnumRow<eDiomIoPinConfig> keDiomIoPinConfigRows[] = {
     {eDiomIoPinConfig::input, "input"},
 };
 std::string eDiomIoPinConfig_ToString(eDiomIoPinConfig value) { return enumToString(keDiomIoPinConfigRows, value); }
-eDiomIoPinConfig eDiomIoPinConfig_FromString(const std::string& text) { return enumFromString(keDiomIoPinConfigRows, text); }
+eDiomIoPinConfig eDiomIoPinConfig_FromString(const std::string& text) {
+    return enumFromString(keDiomIoPinConfigRows, text);
+}
 
 static const EnumRow<eDiomIoPinState> keDiomIoPinStateRows[] = {
     {eDiomIoPinState::low, "low"},
     {eDiomIoPinState::high, "high"},
 };
 std::string eDiomIoPinState_ToString(eDiomIoPinState value) { return enumToString(keDiomIoPinStateRows, value); }
-eDiomIoPinState eDiomIoPinState_FromString(const std::string& text) { return enumFromString(keDiomIoPinStateRows, text); }
+eDiomIoPinState eDiomIoPinState_FromString(const std::string& text) {
+    return enumFromString(keDiomIoPinStateRows, text);
+}
 
 static const EnumRow<eDiomInputDebounceTime> keDiomInputDebounceTimeRows[] = {
-    {eDiomInputDebounceTime::None, "None"},
-    {eDiomInputDebounceTime::Time5ms, "Time5ms"},
-    {eDiomInputDebounceTime::Time10ms, "Time10ms"},
-    {eDiomInputDebounceTime::Time25ms, "Time25ms"},
+    {eDiomInputDebounceTime::None, "None"},         {eDiomInputDebounceTime::Time5ms, "Time5ms"},
+    {eDiomInputDebounceTime::Time10ms, "Time10ms"}, {eDiomInputDebounceTime::Time25ms, "Time25ms"},
     {eDiomInputDebounceTime::Time50ms, "Time50ms"},
 };
-std::string eDiomInputDebounceTime_ToString(eDiomInputDebounceTime value) { return enumToString(keDiomInputDebounceTimeRows, value); }
-eDiomInputDebounceTime eDiomInputDebounceTime_FromString(const std::string& text) { return enumFromString(keDiomInputDebounceTimeRows, text); }
+std::string eDiomInputDebounceTime_ToString(eDiomInputDebounceTime value) {
+    return enumToString(keDiomInputDebounceTimeRows, value);
+}
+eDiomInputDebounceTime eDiomInputDebounceTime_FromString(const std::string& text) {
+    return enumFromString(keDiomInputDebounceTimeRows, text);
+}
 
 static const EnumRow<eDIOOutputMode> keDIOOutputModeRows[] = {
     {eDIOOutputMode::NPN, "NPN"},
@@ -277,8 +297,12 @@ static const EnumRow<eRead3_ControlCode> keRead3_ControlCodeRows[] = {
     {eRead3_ControlCode::TaggedFloat, "TaggedFloat"},
     {eRead3_ControlCode::TaggedInt7DPs, "TaggedInt7DPs"},
 };
-std::string eRead3_ControlCode_ToString(eRead3_ControlCode value) { return enumToString(keRead3_ControlCodeRows, value); }
-eRead3_ControlCode eRead3_ControlCode_FromString(const std::string& text) { return enumFromString(keRead3_ControlCodeRows, text); }
+std::string eRead3_ControlCode_ToString(eRead3_ControlCode value) {
+    return enumToString(keRead3_ControlCodeRows, value);
+}
+eRead3_ControlCode eRead3_ControlCode_FromString(const std::string& text) {
+    return enumFromString(keRead3_ControlCodeRows, text);
+}
 
 static const EnumRow<eRead3_UOM> keRead3_UOMRows[] = {
     {eRead3_UOM::Default, "Default"},
@@ -289,32 +313,24 @@ std::string eRead3_UOM_ToString(eRead3_UOM value) { return enumToString(keRead3_
 eRead3_UOM eRead3_UOM_FromString(const std::string& text) { return enumFromString(keRead3_UOMRows, text); }
 
 static const EnumRow<eChannelMask> keChannelMaskRows[] = {
-    {eChannelMask::None, "None"},
-    {eChannelMask::Ch2, "Ch2"},
-    {eChannelMask::Ch3, "Ch3"},
-    {eChannelMask::Ch4, "Ch4"},
-    {eChannelMask::Ch5, "Ch5"},
-    {eChannelMask::Ch6, "Ch6"},
-    {eChannelMask::Ch7, "Ch7"},
-    {eChannelMask::Ch8, "Ch8"},
-    {eChannelMask::Ch9, "Ch9"},
-    {eChannelMask::Ch10, "Ch10"},
-    {eChannelMask::Ch11, "Ch11"},
-    {eChannelMask::Ch12, "Ch12"},
+    {eChannelMask::None, "None"},   {eChannelMask::Ch2, "Ch2"},   {eChannelMask::Ch3, "Ch3"},
+    {eChannelMask::Ch4, "Ch4"},     {eChannelMask::Ch5, "Ch5"},   {eChannelMask::Ch6, "Ch6"},
+    {eChannelMask::Ch7, "Ch7"},     {eChannelMask::Ch8, "Ch8"},   {eChannelMask::Ch9, "Ch9"},
+    {eChannelMask::Ch10, "Ch10"},   {eChannelMask::Ch11, "Ch11"}, {eChannelMask::Ch12, "Ch12"},
     {eChannelMask::ChALL, "ChALL"},
 };
 std::string eChannelMask_ToString(eChannelMask value) { return enumToString(keChannelMaskRows, value); }
 eChannelMask eChannelMask_FromString(const std::string& text) { return enumFromString(keChannelMaskRows, text); }
 
 static const EnumRow<eWCM_DeviceStatus> keWCM_DeviceStatusRows[] = {
-    {eWCM_DeviceStatus::Unknown, "Unknown"},
-    {eWCM_DeviceStatus::NotConnected, "NotConnected"},
-    {eWCM_DeviceStatus::Connecting, "Connecting"},
-    {eWCM_DeviceStatus::Connected, "Connected"},
+    {eWCM_DeviceStatus::Unknown, "Unknown"},       {eWCM_DeviceStatus::NotConnected, "NotConnected"},
+    {eWCM_DeviceStatus::Connecting, "Connecting"}, {eWCM_DeviceStatus::Connected, "Connected"},
     {eWCM_DeviceStatus::Error, "Error"},
 };
 std::string eWCM_DeviceStatus_ToString(eWCM_DeviceStatus value) { return enumToString(keWCM_DeviceStatusRows, value); }
-eWCM_DeviceStatus eWCM_DeviceStatus_FromString(const std::string& text) { return enumFromString(keWCM_DeviceStatusRows, text); }
+eWCM_DeviceStatus eWCM_DeviceStatus_FromString(const std::string& text) {
+    return enumFromString(keWCM_DeviceStatusRows, text);
+}
 
 static const EnumRow<eWCM_DeviceType> keWCM_DeviceTypeRows[] = {
     {eWCM_DeviceType::None, "None"},
@@ -323,15 +339,21 @@ static const EnumRow<eWCM_DeviceType> keWCM_DeviceTypeRows[] = {
     {eWCM_DeviceType::WMM_A, "WMM_A"},
 };
 std::string eWCM_DeviceType_ToString(eWCM_DeviceType value) { return enumToString(keWCM_DeviceTypeRows, value); }
-eWCM_DeviceType eWCM_DeviceType_FromString(const std::string& text) { return enumFromString(keWCM_DeviceTypeRows, text); }
+eWCM_DeviceType eWCM_DeviceType_FromString(const std::string& text) {
+    return enumFromString(keWCM_DeviceTypeRows, text);
+}
 
 static const EnumRow<eWCM_DevicePZAMode> keWCM_DevicePZAModeRows[] = {
     {eWCM_DevicePZAMode::Absolute, "Absolute"},
     {eWCM_DevicePZAMode::Zero, "Zero"},
     {eWCM_DevicePZAMode::Preset, "Preset"},
 };
-std::string eWCM_DevicePZAMode_ToString(eWCM_DevicePZAMode value) { return enumToString(keWCM_DevicePZAModeRows, value); }
-eWCM_DevicePZAMode eWCM_DevicePZAMode_FromString(const std::string& text) { return enumFromString(keWCM_DevicePZAModeRows, text); }
+std::string eWCM_DevicePZAMode_ToString(eWCM_DevicePZAMode value) {
+    return enumToString(keWCM_DevicePZAModeRows, value);
+}
+eWCM_DevicePZAMode eWCM_DevicePZAMode_FromString(const std::string& text) {
+    return enumFromString(keWCM_DevicePZAModeRows, text);
+}
 
 static const EnumRow<eWCM_DeviceOutputMode> keWCM_DeviceOutputModeRows[] = {
     {eWCM_DeviceOutputMode::Normal, "Normal"},
@@ -343,8 +365,12 @@ static const EnumRow<eWCM_DeviceOutputMode> keWCM_DeviceOutputModeRows[] = {
     {eWCM_DeviceOutputMode::TaggedMin, "TaggedMin"},
     {eWCM_DeviceOutputMode::TaggedDiff, "TaggedDiff"},
 };
-std::string eWCM_DeviceOutputMode_ToString(eWCM_DeviceOutputMode value) { return enumToString(keWCM_DeviceOutputModeRows, value); }
-eWCM_DeviceOutputMode eWCM_DeviceOutputMode_FromString(const std::string& text) { return enumFromString(keWCM_DeviceOutputModeRows, text); }
+std::string eWCM_DeviceOutputMode_ToString(eWCM_DeviceOutputMode value) {
+    return enumToString(keWCM_DeviceOutputModeRows, value);
+}
+eWCM_DeviceOutputMode eWCM_DeviceOutputMode_FromString(const std::string& text) {
+    return enumFromString(keWCM_DeviceOutputModeRows, text);
+}
 
 static const EnumRow<eWCM_DeviceLimitState> keWCM_DeviceLimitStateRows[] = {
     {eWCM_DeviceLimitState::Ok, "Ok"},
@@ -354,40 +380,58 @@ static const EnumRow<eWCM_DeviceLimitState> keWCM_DeviceLimitStateRows[] = {
     {eWCM_DeviceLimitState::WarnUpper, "WarnUpper"},
     {eWCM_DeviceLimitState::WarnLower, "WarnLower"},
 };
-std::string eWCM_DeviceLimitState_ToString(eWCM_DeviceLimitState value) { return enumToString(keWCM_DeviceLimitStateRows, value); }
-eWCM_DeviceLimitState eWCM_DeviceLimitState_FromString(const std::string& text) { return enumFromString(keWCM_DeviceLimitStateRows, text); }
+std::string eWCM_DeviceLimitState_ToString(eWCM_DeviceLimitState value) {
+    return enumToString(keWCM_DeviceLimitStateRows, value);
+}
+eWCM_DeviceLimitState eWCM_DeviceLimitState_FromString(const std::string& text) {
+    return enumFromString(keWCM_DeviceLimitStateRows, text);
+}
 
 static const EnumRow<eWHT_DisplayOrientation> keWHT_DisplayOrientationRows[] = {
-    {eWHT_DisplayOrientation::Standard, "Standard"},
-    {eWHT_DisplayOrientation::Clockwise1, "Clockwise1"},
-    {eWHT_DisplayOrientation::Clockwise2, "Clockwise2"},
-    {eWHT_DisplayOrientation::Clockwise3, "Clockwise3"},
+    {eWHT_DisplayOrientation::Standard, "Standard"},     {eWHT_DisplayOrientation::Clockwise1, "Clockwise1"},
+    {eWHT_DisplayOrientation::Clockwise2, "Clockwise2"}, {eWHT_DisplayOrientation::Clockwise3, "Clockwise3"},
     {eWHT_DisplayOrientation::AutoRotate, "AutoRotate"},
 };
-std::string eWHT_DisplayOrientation_ToString(eWHT_DisplayOrientation value) { return enumToString(keWHT_DisplayOrientationRows, value); }
-eWHT_DisplayOrientation eWHT_DisplayOrientation_FromString(const std::string& text) { return enumFromString(keWHT_DisplayOrientationRows, text); }
+std::string eWHT_DisplayOrientation_ToString(eWHT_DisplayOrientation value) {
+    return enumToString(keWHT_DisplayOrientationRows, value);
+}
+eWHT_DisplayOrientation eWHT_DisplayOrientation_FromString(const std::string& text) {
+    return enumFromString(keWHT_DisplayOrientationRows, text);
+}
 
 static const EnumRow<eWHT_BluetoothClass> keWHT_BluetoothClassRows[] = {
     {eWHT_BluetoothClass::Bluetooth_Class_1, "Bluetooth_Class_1"},
     {eWHT_BluetoothClass::Bluetooth_Class_2, "Bluetooth_Class_2"},
     {eWHT_BluetoothClass::Bluetooth_Class_3, "Bluetooth_Class_3"},
 };
-std::string eWHT_BluetoothClass_ToString(eWHT_BluetoothClass value) { return enumToString(keWHT_BluetoothClassRows, value); }
-eWHT_BluetoothClass eWHT_BluetoothClass_FromString(const std::string& text) { return enumFromString(keWHT_BluetoothClassRows, text); }
+std::string eWHT_BluetoothClass_ToString(eWHT_BluetoothClass value) {
+    return enumToString(keWHT_BluetoothClassRows, value);
+}
+eWHT_BluetoothClass eWHT_BluetoothClass_FromString(const std::string& text) {
+    return enumFromString(keWHT_BluetoothClassRows, text);
+}
 
 static const EnumRow<eWHT_DisplayLayout> keWHT_DisplayLayoutRows[] = {
     {eWHT_DisplayLayout::Standard, "Standard"},
     {eWHT_DisplayLayout::Large, "Large"},
 };
-std::string eWHT_DisplayLayout_ToString(eWHT_DisplayLayout value) { return enumToString(keWHT_DisplayLayoutRows, value); }
-eWHT_DisplayLayout eWHT_DisplayLayout_FromString(const std::string& text) { return enumFromString(keWHT_DisplayLayoutRows, text); }
+std::string eWHT_DisplayLayout_ToString(eWHT_DisplayLayout value) {
+    return enumToString(keWHT_DisplayLayoutRows, value);
+}
+eWHT_DisplayLayout eWHT_DisplayLayout_FromString(const std::string& text) {
+    return enumFromString(keWHT_DisplayLayoutRows, text);
+}
 
 static const EnumRow<eWHT_DisplayLargeSource> keWHT_DisplayLargeSourceRows[] = {
     {eWHT_DisplayLargeSource::Current, "Current"},
     {eWHT_DisplayLargeSource::Computed, "Computed"},
 };
-std::string eWHT_DisplayLargeSource_ToString(eWHT_DisplayLargeSource value) { return enumToString(keWHT_DisplayLargeSourceRows, value); }
-eWHT_DisplayLargeSource eWHT_DisplayLargeSource_FromString(const std::string& text) { return enumFromString(keWHT_DisplayLargeSourceRows, text); }
+std::string eWHT_DisplayLargeSource_ToString(eWHT_DisplayLargeSource value) {
+    return enumToString(keWHT_DisplayLargeSourceRows, value);
+}
+eWHT_DisplayLargeSource eWHT_DisplayLargeSource_FromString(const std::string& text) {
+    return enumFromString(keWHT_DisplayLargeSourceRows, text);
+}
 
 static const EnumRow<eWHT_LimitStatus> keWHT_LimitStatusRows[] = {
     {eWHT_LimitStatus::None, "None"},
@@ -395,7 +439,9 @@ static const EnumRow<eWHT_LimitStatus> keWHT_LimitStatusRows[] = {
     {eWHT_LimitStatus::Outside, "Outside"},
 };
 std::string eWHT_LimitStatus_ToString(eWHT_LimitStatus value) { return enumToString(keWHT_LimitStatusRows, value); }
-eWHT_LimitStatus eWHT_LimitStatus_FromString(const std::string& text) { return enumFromString(keWHT_LimitStatusRows, text); }
+eWHT_LimitStatus eWHT_LimitStatus_FromString(const std::string& text) {
+    return enumFromString(keWHT_LimitStatusRows, text);
+}
 
 static const EnumRow<eWHT_OperationMode> keWHT_OperationModeRows[] = {
     {eWHT_OperationMode::Normal, "Normal"},
@@ -407,24 +453,36 @@ static const EnumRow<eWHT_OperationMode> keWHT_OperationModeRows[] = {
     {eWHT_OperationMode::Min_Tagged, "Min_Tagged"},
     {eWHT_OperationMode::Diff_Tagged, "Diff_Tagged"},
 };
-std::string eWHT_OperationMode_ToString(eWHT_OperationMode value) { return enumToString(keWHT_OperationModeRows, value); }
-eWHT_OperationMode eWHT_OperationMode_FromString(const std::string& text) { return enumFromString(keWHT_OperationModeRows, text); }
+std::string eWHT_OperationMode_ToString(eWHT_OperationMode value) {
+    return enumToString(keWHT_OperationModeRows, value);
+}
+eWHT_OperationMode eWHT_OperationMode_FromString(const std::string& text) {
+    return enumFromString(keWHT_OperationModeRows, text);
+}
 
 static const EnumRow<eWHT_MeasurementMode> keWHT_MeasurementModeRows[] = {
     {eWHT_MeasurementMode::Normal, "Normal"},
     {eWHT_MeasurementMode::Zero, "Zero"},
     {eWHT_MeasurementMode::Preset, "Preset"},
 };
-std::string eWHT_MeasurementMode_ToString(eWHT_MeasurementMode value) { return enumToString(keWHT_MeasurementModeRows, value); }
-eWHT_MeasurementMode eWHT_MeasurementMode_FromString(const std::string& text) { return enumFromString(keWHT_MeasurementModeRows, text); }
+std::string eWHT_MeasurementMode_ToString(eWHT_MeasurementMode value) {
+    return enumToString(keWHT_MeasurementModeRows, value);
+}
+eWHT_MeasurementMode eWHT_MeasurementMode_FromString(const std::string& text) {
+    return enumFromString(keWHT_MeasurementModeRows, text);
+}
 
 static const EnumRow<eWHT_ButtonFunction> keWHT_ButtonFunctionRows[] = {
     {eWHT_ButtonFunction::Tag, "Tag"},
     {eWHT_ButtonFunction::Zero, "Zero"},
     {eWHT_ButtonFunction::Preset, "Preset"},
 };
-std::string eWHT_ButtonFunction_ToString(eWHT_ButtonFunction value) { return enumToString(keWHT_ButtonFunctionRows, value); }
-eWHT_ButtonFunction eWHT_ButtonFunction_FromString(const std::string& text) { return enumFromString(keWHT_ButtonFunctionRows, text); }
+std::string eWHT_ButtonFunction_ToString(eWHT_ButtonFunction value) {
+    return enumToString(keWHT_ButtonFunctionRows, value);
+}
+eWHT_ButtonFunction eWHT_ButtonFunction_FromString(const std::string& text) {
+    return enumFromString(keWHT_ButtonFunctionRows, text);
+}
 
 static const EnumRow<eWHT_PowerOffButtonOptions> keWHT_PowerOffButtonOptionsRows[] = {
     {eWHT_PowerOffButtonOptions::NoButtonPowerOff, "NoButtonPowerOff"},
@@ -433,15 +491,23 @@ static const EnumRow<eWHT_PowerOffButtonOptions> keWHT_PowerOffButtonOptionsRows
     {eWHT_PowerOffButtonOptions::EitherButton, "EitherButton"},
     {eWHT_PowerOffButtonOptions::BothButtons, "BothButtons"},
 };
-std::string eWHT_PowerOffButtonOptions_ToString(eWHT_PowerOffButtonOptions value) { return enumToString(keWHT_PowerOffButtonOptionsRows, value); }
-eWHT_PowerOffButtonOptions eWHT_PowerOffButtonOptions_FromString(const std::string& text) { return enumFromString(keWHT_PowerOffButtonOptionsRows, text); }
+std::string eWHT_PowerOffButtonOptions_ToString(eWHT_PowerOffButtonOptions value) {
+    return enumToString(keWHT_PowerOffButtonOptionsRows, value);
+}
+eWHT_PowerOffButtonOptions eWHT_PowerOffButtonOptions_FromString(const std::string& text) {
+    return enumFromString(keWHT_PowerOffButtonOptionsRows, text);
+}
 
 static const EnumRow<eWHT_LimitBuzzerRate> keWHT_LimitBuzzerRateRows[] = {
     {eWHT_LimitBuzzerRate::ThreeFastOnFail, "ThreeFastOnFail"},
     {eWHT_LimitBuzzerRate::OnceSlowOnFail, "OnceSlowOnFail"},
 };
-std::string eWHT_LimitBuzzerRate_ToString(eWHT_LimitBuzzerRate value) { return enumToString(keWHT_LimitBuzzerRateRows, value); }
-eWHT_LimitBuzzerRate eWHT_LimitBuzzerRate_FromString(const std::string& text) { return enumFromString(keWHT_LimitBuzzerRateRows, text); }
+std::string eWHT_LimitBuzzerRate_ToString(eWHT_LimitBuzzerRate value) {
+    return enumToString(keWHT_LimitBuzzerRateRows, value);
+}
+eWHT_LimitBuzzerRate eWHT_LimitBuzzerRate_FromString(const std::string& text) {
+    return enumFromString(keWHT_LimitBuzzerRateRows, text);
+}
 
 static const EnumRow<eWHT_LimitLED> keWHT_LimitLEDRows[] = {
     {eWHT_LimitLED::None, "None"},
@@ -456,41 +522,51 @@ static const EnumRow<eWHT_M_DisplayMode> keWHT_M_DisplayModeRows[] = {
     {eWHT_M_DisplayMode::Charts, "Charts"},
     {eWHT_M_DisplayMode::Text, "Text"},
 };
-std::string eWHT_M_DisplayMode_ToString(eWHT_M_DisplayMode value) { return enumToString(keWHT_M_DisplayModeRows, value); }
-eWHT_M_DisplayMode eWHT_M_DisplayMode_FromString(const std::string& text) { return enumFromString(keWHT_M_DisplayModeRows, text); }
+std::string eWHT_M_DisplayMode_ToString(eWHT_M_DisplayMode value) {
+    return enumToString(keWHT_M_DisplayModeRows, value);
+}
+eWHT_M_DisplayMode eWHT_M_DisplayMode_FromString(const std::string& text) {
+    return enumFromString(keWHT_M_DisplayModeRows, text);
+}
 
 static const EnumRow<eWHT_M_ButtonFunction> keWHT_M_ButtonFunctionRows[] = {
     {eWHT_M_ButtonFunction::None, "None"},
     {eWHT_M_ButtonFunction::Tag, "Tag"},
     {eWHT_M_ButtonFunction::PowerOff, "PowerOff"},
 };
-std::string eWHT_M_ButtonFunction_ToString(eWHT_M_ButtonFunction value) { return enumToString(keWHT_M_ButtonFunctionRows, value); }
-eWHT_M_ButtonFunction eWHT_M_ButtonFunction_FromString(const std::string& text) { return enumFromString(keWHT_M_ButtonFunctionRows, text); }
+std::string eWHT_M_ButtonFunction_ToString(eWHT_M_ButtonFunction value) {
+    return enumToString(keWHT_M_ButtonFunctionRows, value);
+}
+eWHT_M_ButtonFunction eWHT_M_ButtonFunction_FromString(const std::string& text) {
+    return enumFromString(keWHT_M_ButtonFunctionRows, text);
+}
 
 static const EnumRow<eWHT_M_LEDFunction> keWHT_M_LEDFunctionRows[] = {
-    {eWHT_M_LEDFunction::Off, "Off"},
-    {eWHT_M_LEDFunction::Streaming, "Streaming"},
-    {eWHT_M_LEDFunction::RangeErr, "RangeErr"},
-    {eWHT_M_LEDFunction::AllOk, "AllOk"},
+    {eWHT_M_LEDFunction::Off, "Off"},           {eWHT_M_LEDFunction::Streaming, "Streaming"},
+    {eWHT_M_LEDFunction::RangeErr, "RangeErr"}, {eWHT_M_LEDFunction::AllOk, "AllOk"},
     {eWHT_M_LEDFunction::LowBatt, "LowBatt"},
 };
-std::string eWHT_M_LEDFunction_ToString(eWHT_M_LEDFunction value) { return enumToString(keWHT_M_LEDFunctionRows, value); }
-eWHT_M_LEDFunction eWHT_M_LEDFunction_FromString(const std::string& text) { return enumFromString(keWHT_M_LEDFunctionRows, text); }
+std::string eWHT_M_LEDFunction_ToString(eWHT_M_LEDFunction value) {
+    return enumToString(keWHT_M_LEDFunctionRows, value);
+}
+eWHT_M_LEDFunction eWHT_M_LEDFunction_FromString(const std::string& text) {
+    return enumFromString(keWHT_M_LEDFunctionRows, text);
+}
 
 static const EnumRow<eWHT_M_BuzzerFunction> keWHT_M_BuzzerFunctionRows[] = {
     {eWHT_M_BuzzerFunction::Off, "Off"},
     {eWHT_M_BuzzerFunction::TagTaken, "TagTaken"},
 };
-std::string eWHT_M_BuzzerFunction_ToString(eWHT_M_BuzzerFunction value) { return enumToString(keWHT_M_BuzzerFunctionRows, value); }
-eWHT_M_BuzzerFunction eWHT_M_BuzzerFunction_FromString(const std::string& text) { return enumFromString(keWHT_M_BuzzerFunctionRows, text); }
+std::string eWHT_M_BuzzerFunction_ToString(eWHT_M_BuzzerFunction value) {
+    return enumToString(keWHT_M_BuzzerFunctionRows, value);
+}
+eWHT_M_BuzzerFunction eWHT_M_BuzzerFunction_FromString(const std::string& text) {
+    return enumFromString(keWHT_M_BuzzerFunctionRows, text);
+}
 
 static const EnumRow<eFilter> keFilterRows[] = {
-    {eFilter::Filter20kHz, "Filter20kHz"},
-    {eFilter::Filter4kHz, "Filter4kHz"},
-    {eFilter::Filter1kHz, "Filter1kHz"},
-    {eFilter::Filter200Hz, "Filter200Hz"},
-    {eFilter::Filter25Hz, "Filter25Hz"},
-    {eFilter::Filter1Hz, "Filter1Hz"},
+    {eFilter::Filter20kHz, "Filter20kHz"}, {eFilter::Filter4kHz, "Filter4kHz"}, {eFilter::Filter1kHz, "Filter1kHz"},
+    {eFilter::Filter200Hz, "Filter200Hz"}, {eFilter::Filter25Hz, "Filter25Hz"}, {eFilter::Filter1Hz, "Filter1Hz"},
     {eFilter::Filter0Hz1, "Filter0Hz1"},
 };
 std::string eFilter_ToString(eFilter value) { return enumToString(keFilterRows, value); }
@@ -502,17 +578,15 @@ static const EnumRow<eDifferenceMode> keDifferenceModeRows[] = {
     {eDifferenceMode::Mode2, "Mode2"},
 };
 std::string eDifferenceMode_ToString(eDifferenceMode value) { return enumToString(keDifferenceModeRows, value); }
-eDifferenceMode eDifferenceMode_FromString(const std::string& text) { return enumFromString(keDifferenceModeRows, text); }
+eDifferenceMode eDifferenceMode_FromString(const std::string& text) {
+    return enumFromString(keDifferenceModeRows, text);
+}
 
 static const EnumRow<eMeasuringRate> keMeasuringRateRows[] = {
-    {eMeasuringRate::rateNone, "rateNone"},
-    {eMeasuringRate::rate250Hz, "rate250Hz"},
-    {eMeasuringRate::rate500Hz, "rate500Hz"},
-    {eMeasuringRate::rate1kHz, "rate1kHz"},
-    {eMeasuringRate::rate2kHz, "rate2kHz"},
-    {eMeasuringRate::rate4kHz, "rate4kHz"},
-    {eMeasuringRate::rate8kHz, "rate8kHz"},
-    {eMeasuringRate::rate10kHz, "rate10kHz"},
+    {eMeasuringRate::rateNone, "rateNone"},   {eMeasuringRate::rate250Hz, "rate250Hz"},
+    {eMeasuringRate::rate500Hz, "rate500Hz"}, {eMeasuringRate::rate1kHz, "rate1kHz"},
+    {eMeasuringRate::rate2kHz, "rate2kHz"},   {eMeasuringRate::rate4kHz, "rate4kHz"},
+    {eMeasuringRate::rate8kHz, "rate8kHz"},   {eMeasuringRate::rate10kHz, "rate10kHz"},
 };
 std::string eMeasuringRate_ToString(eMeasuringRate value) { return enumToString(keMeasuringRateRows, value); }
 eMeasuringRate eMeasuringRate_FromString(const std::string& text) { return enumFromString(keMeasuringRateRows, text); }

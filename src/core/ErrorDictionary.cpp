@@ -64,8 +64,7 @@ void setError(eKavroErrors& error, std::int32_t low, std::int32_t high, eKavroEr
     }
     if (reply != eKavroErrors::NoError) error = reply;
     const eKavroErrors current = error;
-    if (current != eKavroErrors::NoError && current != eKavroErrors::UnderRange &&
-        current != eKavroErrors::OverRange) {
+    if (current != eKavroErrors::NoError && current != eKavroErrors::UnderRange && current != eKavroErrors::OverRange) {
         return;
     }
     const bool below = low == 0x8000 || high == 0x8000;

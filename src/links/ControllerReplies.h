@@ -9,8 +9,8 @@ namespace KavroLibrary {
 // The controller's identify answer: 27 bytes in fields of 8, 2, 8, 4, 4, 1.
 // Field meanings are documented in docs/protocol.md.
 struct ControllerIdentifyReply {
-    std::int32_t Error = 255;  // 0 success
-    char Identity[8] = {};     // identity, first 8 characters
+    std::int32_t Error = 255;     // 0 success
+    char Identity[8] = {};        // identity, first 8 characters
     char IdentitySuffix[2] = {};  // identity, last 2 characters
     char PartNumber[8] = {};
     char Model[4] = {};
@@ -30,7 +30,7 @@ struct ControllerIdentifyReply {
 // The controller's get-info answer. Texts start as blanks so that a short
 // reply leaves blanks.
 struct ControllerInfoReply {
-    std::int32_t Error = 0;  // 0 success
+    std::int32_t Error = 0;                   // 0 success
     char TypeCode[4] = {' ', ' ', ' ', ' '};  // "USB2", "ETHI", "ETH2", "232I", ...
     std::uint16_t Value = 0;                  // firmware version number in hundredths
     char LimitText[16];                       // "L032" and so on: the module limit

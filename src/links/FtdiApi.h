@@ -43,8 +43,8 @@ struct FtdiApi {
     FT_STATUS (*SetBaudRate)(FT_HANDLE handle, ULONG baud) = nullptr;
     FT_STATUS (*SetDataCharacteristics)(FT_HANDLE handle, UCHAR wordLength, UCHAR stopBits, UCHAR parity) = nullptr;
     FT_STATUS (*SetFlowControl)(FT_HANDLE handle, USHORT flow, UCHAR xon, UCHAR xoff) = nullptr;
-    FT_STATUS (*SetChars)(FT_HANDLE handle, UCHAR eventChar, UCHAR eventEnable, UCHAR errorChar,
-                          UCHAR errorEnable) = nullptr;
+    FT_STATUS (*SetChars)
+    (FT_HANDLE handle, UCHAR eventChar, UCHAR eventEnable, UCHAR errorChar, UCHAR errorEnable) = nullptr;
     FT_STATUS (*SetTimeouts)(FT_HANDLE handle, ULONG readTimeout, ULONG writeTimeout) = nullptr;
     FT_STATUS (*Purge)(FT_HANDLE handle, ULONG mask) = nullptr;
     FT_STATUS (*GetStatus)(FT_HANDLE handle, DWORD* rxBytes, DWORD* txBytes, DWORD* eventDWord) = nullptr;
@@ -52,8 +52,9 @@ struct FtdiApi {
     FT_STATUS (*Write)(FT_HANDLE handle, void* buffer, DWORD bytesToWrite, LPDWORD bytesWritten) = nullptr;
     FT_STATUS (*Read)(FT_HANDLE handle, void* buffer, DWORD bytesToRead, LPDWORD bytesReturned) = nullptr;
     FT_STATUS (*CreateDeviceInfoList)(LPDWORD numDevices) = nullptr;
-    FT_STATUS (*GetDeviceInfoDetail)(DWORD index, LPDWORD flags, LPDWORD type, LPDWORD id, LPDWORD locId,
-                                     void* serialNumber, void* description, FT_HANDLE* handle) = nullptr;
+    FT_STATUS (*GetDeviceInfoDetail)
+    (DWORD index, LPDWORD flags, LPDWORD type, LPDWORD id, LPDWORD locId, void* serialNumber, void* description,
+     FT_HANDLE* handle) = nullptr;
 };
 
 // The table in use. Entries are null until ftdiBind() or ftdiInstall() fills them.

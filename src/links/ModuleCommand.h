@@ -14,14 +14,14 @@ enum ModuleCommandType : int {
 
 struct ModuleCommand {
     int Type = CommandWithReply;
-    int Length = 0;       // bytes in Data: command code, address, payload
-    int ReplyLength = 0;  // reply bytes the controller collects from the module
+    int Length = 0;                 // bytes in Data: command code, address, payload
+    int ReplyLength = 0;            // reply bytes the controller collects from the module
     unsigned char* Data = nullptr;  // borrowed
 };
 
 struct ModuleReply {
-    std::uint32_t Status = 255;  // 0 good, 255 nothing arrived
-    std::uint32_t Length = 0;    // payload bytes in Data
+    std::uint32_t Status = 255;     // 0 good, 255 nothing arrived
+    std::uint32_t Length = 0;       // payload bytes in Data
     unsigned char* Data = nullptr;  // new[] buffer owned by the caller (delete[])
 };
 

@@ -74,7 +74,7 @@ struct NetworkConfiguration {
     std::thread DecodeThread;
     int SocketFd = -1;
     std::string Address;
-    int BaudRate = 115200;  // serial link
+    int BaudRate = 115200;    // serial link
     int WirelessChannel = 5;  // wireless link
 
     // The link table.

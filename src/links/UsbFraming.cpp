@@ -52,9 +52,12 @@ std::uint32_t le32(const unsigned char* p) {
 
 std::uint32_t NetSpeedBitRate(eNetSpeed speed) {
     switch (speed) {
-        case eNetSpeed::Low: return 187500;
-        case eNetSpeed::High: return 1500000;
-        case eNetSpeed::UltraHigh: return 2250000;
+        case eNetSpeed::Low:
+            return 187500;
+        case eNetSpeed::High:
+            return 1500000;
+        case eNetSpeed::UltraHigh:
+            return 2250000;
     }
     return 0;
 }
