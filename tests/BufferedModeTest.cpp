@@ -298,4 +298,10 @@ TEST(BufferedMode, RefusalsChangeNothingAndSendNothing) {
     EXPECT_EQ(40, first->Buffered()->OTUs());
     buffered->Stop();
     EXPECT_EQ(OperationIdle, rig.activeOperation());
+
+    // A master index left behind by a deletion no longer names a module.
+    buffered->setMasterIndex(2);
+    bus.DeleteModule(0);
+    EXPECT_EQ("No module at the buffered master index", messageOf([&] { buffered->Start(); }));
+    EXPECT_EQ(OperationIdle, rig.activeOperation());
 }

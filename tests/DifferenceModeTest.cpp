@@ -127,9 +127,10 @@ TEST(DifferenceMode, RangeFlagsCombineAndRealErrorsWin) {
         probe("GPBOTH0001", 2, 2, SimSignal::sine(1.0, 1.5, 0.2)),  // below and above 0 to 2 mm
         probe("GPFAIL0001", 2, 2, SimSignal::constant(1.0)),        // refuses one interim read-out
         probe("GPFULL0002", 2, 3, SimSignal::constant(1.0)),        // refuses the last read-out
-        probe("GPFULL0003", 2, 3, SimSignal::constant(1.5)),
+        probe("GPFULL0003", 2, 3, SimSignal::sine(1.0, 1.5, 0.2)),  // full read-out, both sides
+        probe("GPOVER0001", 2, 2, SimSignal::sine(1.8, 0.5, 0.2)),  // above only
     });
-    for (int index = 0; index < 5; ++index) rig.module(index)->Difference()->setEnabled(true);
+    for (int index = 0; index < 6; ++index) rig.module(index)->Difference()->setEnabled(true);
     NetworkDifference* network = rig.network->Difference();
     network->Start();
     // A module's own error during the run is kept through the final read-out.
@@ -163,31 +164,16 @@ TEST(DifferenceMode, RangeFlagsCombineAndRealErrorsWin) {
     EXPECT_EQ(eKavroErrors::NUM_OVERFLOW, refused->Error());
     EXPECT_EQ(0, refused->MinCounts());
     EXPECT_EQ(0, refused->MaxCounts());
-    const ModuleDifference* good = rig.module(4)->Difference();
-    EXPECT_EQ(eKavroErrors::NoError, good->Error());
-    EXPECT_EQ(12288, good->MaxCounts());
-    EXPECT_EQ(0, good->DiffCounts());
-}
-
-TEST(DifferenceMode, OverRangeAloneAndFullReadoutsOfTheEnds) {
-    SimNetworkRig rig({
-        probe("GPOVER0002", 2, 2, SimSignal::sine(1.8, 0.5, 0.2)),
-        probe("GPFULL0004", 2, 3, SimSignal::sine(1.0, 1.5, 0.2)),
-    });
-    rig.module(0)->Difference()->setEnabled(true);
-    rig.module(1)->Difference()->setEnabled(true);
-    rig.network->Difference()->Start();
-    ASSERT_TRUE(waitForReadings(rig.module(0)->Difference(), 250));
-    rig.network->Difference()->Stop();
-
-    const ModuleDifference* over = rig.module(0)->Difference();
-    EXPECT_EQ(eKavroErrors::OverRange, over->Error());
-    EXPECT_NEAR(1.3 * 8192, over->MinCounts(), kCountTolerance);
-    EXPECT_EQ(16384, over->MaxCounts());
-    const ModuleDifference* full = rig.module(1)->Difference();
+    // Full read-outs have no markers: the ends of the range, and no flag.
+    const ModuleDifference* full = rig.module(4)->Difference();
     EXPECT_EQ(eKavroErrors::NoError, full->Error());
     EXPECT_EQ(0, full->MinCounts());
     EXPECT_EQ(16384, full->MaxCounts());
+
+    const ModuleDifference* over = rig.module(5)->Difference();
+    EXPECT_EQ(eKavroErrors::OverRange, over->Error());
+    EXPECT_NEAR(1.3 * 8192, over->MinCounts(), kCountTolerance);
+    EXPECT_EQ(16384, over->MaxCounts());
 }
 
 TEST(DifferenceMode, RefusalsChangeNothingAndSendNothing) {
