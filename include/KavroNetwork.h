@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ class NetworkBuffered;
 class NetworkDifference;
 class KavroDynamic;
 class KavroModuleAGM;
+struct NotificationGate;
 
 class KavroNetwork {
 public:
@@ -68,6 +70,37 @@ public:
     bool SpeedAvailable(eNetSpeed speed) const;
     void setNetSpeed(eNetSpeed speed);
 
+    // Notification: a background thread waits for one module to announce
+    // itself (its button pressed) and adds it; see docs/network.md for what
+    // the application may call meanwhile.
+    void BeginNotifying();
+    // The body of the notification thread.
+    void NotifyProcess(eNetSpeed restoreSpeed);
+    bool Notifying() const;
+    // Stops the notification and waits until the thread has finished.
+    void CancelNotifying();
+
+    // Adopts the modules that took the next free addresses by themselves;
+    // returns the number of identify commands sent (the failed last one too).
+    unsigned int FindHotswapped();
+    // Searches the unaddressed modules in the 32 ping slots and adds them;
+    // returns the number of modules added.
+    int Ping();
+    // Moves every module with a remap index to that position (index =
+    // address - 1); the others fill the free positions in their order.
+    void ApplyRemap();
+    // Clears every module's addressing at every controller speed and empties
+    // the module list.
+    void ClearTCons();
+    // Reads the leading read-burst capable modules in one exchange; the
+    // results go to each module's last-readburst record. `count` receives
+    // the number of modules read.
+    eKavroErrors Readburst(int& count);
+
+    // Settings files: the network's name, speed and modules with their settings.
+    void Save(std::string path);
+    void Load(std::string path);
+
     // Capability flags and lists of a freshly created module.
     void setModuleCapabilities(KavroModule* module);
     // Extra offset of an air gauge: none for pressure, else the size band.
@@ -79,12 +112,31 @@ protected:
     // Takes a module out of the list without destroying it: a pointer the
     // application still holds stays valid while the network lives.
     void retireModule(KavroModule* module);
+    // A copy of the module list, taken under the list's lock.
+    std::vector<KavroModule*> moduleSnapshot() const;
+    // Appends under the list's lock: the notification thread publishes its
+    // module this way while the application may be looking at the list.
+    void publishModule(KavroModule* module);
 
     std::unique_ptr<NetworkConfiguration> config_;
     std::unique_ptr<NetworkBuffered> buffered_;
     std::unique_ptr<NetworkDifference> difference_;
     std::unique_ptr<KavroDynamic> dynamic_;
     std::vector<std::unique_ptr<KavroModule>> retiredModules_;
+
+private:
+    void waitForNotificationEnd();
+
+    // Guards every change of the module list and every look at it that the
+    // application may make while the notification thread runs.
+    mutable std::mutex modulesLock_;
+    // Shared with the notification thread, which signals through it that it
+    // has finished; shared so that it outlives the network if need be.
+    std::shared_ptr<NotificationGate> notificationGate_;
 };
+
+// Orderings of module lists: by bus address, and by remap index.
+bool ModuleAddressOrder(KavroModule* first, KavroModule* second);
+bool ModuleReMapOrder(KavroModule* first, KavroModule* second);
 
 }  // namespace KavroLibrary

@@ -17,9 +17,12 @@ namespace {
 const char* const kUsage = R"(Usage: kavro-sim [--scenario FILE] [--trace] [--help]
 
 Starts the simulated controllers of a scenario, prints where each one
-listens (Ethernet: address and port 10001; serial: the pseudo-terminal to
-open as the RS-232 line) and the modules on its bus, and serves them until
-interrupted (Ctrl+C, SIGINT, SIGTERM or SIGHUP).
+listens (Ethernet: address and port 10001; wireless: address and port;
+serial: the pseudo-terminal to open as the RS-232 line) and the modules on
+its bus, and serves them until interrupted (Ctrl+C, SIGINT, SIGTERM or
+SIGHUP). USB controllers are served inside the application's own process by
+the stand-in libftd2xx.so, which reads the same file when
+KAVRO_SIM_USB_SCENARIO names it.
 
   --scenario FILE   the scenario to run (default: the shipped default.scn)
   --trace           print every request a controller receives and its answer
@@ -84,9 +87,13 @@ int main(int argc, char** argv) {
                 });
         }
         session.start();
-        std::cout << "kavro-sim: scenario " << scenarioPath << "\n"
-                  << session.describe() << "Running; Ctrl+C stops.\n"
-                  << std::flush;
+        std::cout << "kavro-sim: scenario " << scenarioPath << "\n" << session.describe();
+        if (session.usbControllersLeftOut() > 0) {
+            std::cout << "USB controllers (" << session.usbControllersLeftOut()
+                      << ") are not served here: the application loads the stand-in libftd2xx.so\n"
+                      << "  with KAVRO_SIM_USB_SCENARIO=" << scenarioPath << "\n";
+        }
+        std::cout << "Running; Ctrl+C stops.\n" << std::flush;
         int received = 0;
         sigwait(&stopSignals, &received);
         std::cout << "kavro-sim: stopping on " << strsignal(received) << "\n" << std::flush;

@@ -8,16 +8,15 @@
 #include "KavroModuleDP.h"
 #include "KavroModuleEIM.h"
 #include "KavroNetwork.h"
+#include "ModeTestRig.h"
 #include "ModuleBuffered.h"
 #include "ModuleDifference.h"
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
-#include "SimNetworkRig.h"
 #include "core/ErrorDictionary.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
-using namespace simrig;
 using std::chrono::milliseconds;
 
 namespace {
@@ -64,9 +63,9 @@ void sampleWith(SimNetworkRig& rig, const std::string& identity, double value) {
 }  // namespace
 
 TEST(BufferedMode, SyncRunReturnsEveryReadingInOrder) {
-    SimNetworkRig rig({
-        probe("GPSYNC0001", 2, 3, SimSignal::ramp(0.0, 2.0, 16.384)),  // one count a millisecond
-        probe("GPSYNC0002", 2, 3, SimSignal::constant(1.0)),
+    ModeTestRig rig({
+        modeProbe("GPSYNC0001", 2, 3, SimSignal::ramp(0.0, 2.0, 16.384)),  // one count a millisecond
+        modeProbe("GPSYNC0002", 2, 3, SimSignal::constant(1.0)),
         SimModule::dio2("DIO2000001"),
     });
     rig.controller.setSignal("DIO2000001", SimSignal::constant(5));
@@ -85,15 +84,15 @@ TEST(BufferedMode, SyncRunReturnsEveryReadingInOrder) {
     EXPECT_EQ(3, buffered->EnabledCount());
 
     buffered->Start();
-    EXPECT_EQ(OperationBuffered, rig.activeOperation());
+    EXPECT_EQ(OperationBuffered, rig.operation());
     EXPECT_EQ(eBufferedModeStatus::Reading, buffered->Status());
     EXPECT_EQ(eBufferedModeStatus::Reading, ramp->Buffered()->Status());
     EXPECT_EQ(3, buffered->SyncCount());
     EXPECT_EQ("No modules configured to sample in buffered mode.", messageOf([&] { buffered->Sample(); }));
     // More than one read-out reply's worth (120) for the ramp.
-    ASSERT_TRUE(waitUntil([&] { return rig.heldNow("GPSYNC0001") >= 130; }, std::chrono::seconds(20)));
+    ASSERT_TRUE(waitFor([&] { return rig.heldNow("GPSYNC0001") >= 130; }, std::chrono::seconds(20)));
     buffered->Stop();
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ(eBufferedModeStatus::Finished, buffered->Status());
     EXPECT_EQ(eBufferedModeStatus::Finished, ramp->Buffered()->Status());
 
@@ -131,9 +130,9 @@ TEST(BufferedMode, SyncRunReturnsEveryReadingInOrder) {
 }
 
 TEST(BufferedMode, SampleRunTakesOneReadingATriggerWithRangeMarkers) {
-    SimNetworkRig rig({
-        probe("GPSAMP0001", 2, 3, SimSignal::constant(0.5)), SimModule::dio2("DIO2000002"),
-        probe("GPSAMP0002", 2, 3, SimSignal::constant(1.0)),  // not taking part
+    ModeTestRig rig({
+        modeProbe("GPSAMP0001", 2, 3, SimSignal::constant(0.5)), SimModule::dio2("DIO2000002"),
+        modeProbe("GPSAMP0002", 2, 3, SimSignal::constant(1.0)),  // not taking part
     });
     rig.controller.setSignal("DIO2000002", SimSignal::constant(9));
     KavroModule* stepped = rig.module(0);
@@ -168,11 +167,11 @@ TEST(BufferedMode, SampleRunTakesOneReadingATriggerWithRangeMarkers) {
 
 TEST(BufferedMode, FailedReadOutsAreReportedOnceEachAfterTheNetworkIsIdle) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    SimModule small = probe("GPFULL0001", 2, 3, SimSignal::constant(1.5));
+    SimModule small = modeProbe("GPFULL0001", 2, 3, SimSignal::constant(1.5));
     small.buffered().setCapacity(5);
-    SimNetworkRig rig({
-        probe("GPTIME0001", 2, 3, SimSignal::constant(1.0)),
-        probe("GPFAIL0001", 2, 3, SimSignal::constant(1.0)),
+    ModeTestRig rig({
+        modeProbe("GPTIME0001", 2, 3, SimSignal::constant(1.0)),
+        modeProbe("GPFAIL0001", 2, 3, SimSignal::constant(1.0)),
         small,
     });
     for (int index = 0; index < 3; ++index) {
@@ -181,7 +180,7 @@ TEST(BufferedMode, FailedReadOutsAreReportedOnceEachAfterTheNetworkIsIdle) {
     }
     NetworkBuffered* buffered = rig.network->Buffered();
     buffered->Start();
-    ASSERT_TRUE(waitUntil([&] { return rig.heldNow("GPFULL0001") >= 5; }, std::chrono::seconds(20)));
+    ASSERT_TRUE(waitFor([&] { return rig.heldNow("GPFULL0001") >= 5; }, std::chrono::seconds(20)));
     // The first module's first two read-outs go unanswered; the second
     // module's first is refused.
     rig.controller.injectFault(SimFault::dropReply(2).only('Q'));
@@ -190,7 +189,7 @@ TEST(BufferedMode, FailedReadOutsAreReportedOnceEachAfterTheNetworkIsIdle) {
     EXPECT_EQ("Read Buffered Error: Timeout Reading Module GPTIME0001\nRead Buffered Error: " +
                   GetErrorDescriptionInternal(0x2119) + "\n",
               messageOf([&] { buffered->Stop(); }));
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ(eBufferedModeStatus::Finished, buffered->Status());
     EXPECT_EQ(eBufferedModeStatus::Finished, rig.module(0)->Buffered()->Status());
     EXPECT_EQ(0, rig.module(0)->Buffered()->BufferedDataLength());
@@ -204,9 +203,9 @@ TEST(BufferedMode, FailedReadOutsAreReportedOnceEachAfterTheNetworkIsIdle) {
 
 TEST(BufferedMode, MasterPacesTheSampleModulesUntilStopped) {
     SimModule master = SimModule::encoderInput("EIM0000001");
-    SimNetworkRig rig({
-        probe("GPPACE0001", 2, 3, SimSignal::constant(1.0)),
-        probe("GPPACE0002", 2, 3, SimSignal::constant(1.5)),
+    ModeTestRig rig({
+        modeProbe("GPPACE0001", 2, 3, SimSignal::constant(1.0)),
+        modeProbe("GPPACE0002", 2, 3, SimSignal::constant(1.5)),
         master,
     });
     auto* encoderInput = dynamic_cast<KavroModuleEIM*>(rig.module(2));
@@ -228,7 +227,7 @@ TEST(BufferedMode, MasterPacesTheSampleModulesUntilStopped) {
     EXPECT_EQ((Bytes{'V', 3, 77, 0, 2, 0}), setUp[2].command);
     EXPECT_EQ((Bytes{'V', 3, 75, 0, 5, 0}), setUp[3].command);
     EXPECT_TRUE(rig.controller.module("EIM0000001")->buffered().isMaster());
-    ASSERT_TRUE(waitUntil([&] { return rig.heldNow("GPPACE0001") >= 20; }, std::chrono::seconds(20)));
+    ASSERT_TRUE(waitFor([&] { return rig.heldNow("GPPACE0001") >= 20; }, std::chrono::seconds(20)));
     rig.clearLog();
     buffered->Stop();
 
@@ -244,9 +243,9 @@ TEST(BufferedMode, MasterPacesTheSampleModulesUntilStopped) {
 }
 
 TEST(BufferedMode, RefusalsChangeNothingAndSendNothing) {
-    SimNetworkRig rig({
-        probe("GPREFU0001", 2, 3, SimSignal::constant(1.0)),
-        probe("GPREFU0002", 2, 3, SimSignal::constant(1.0)),
+    ModeTestRig rig({
+        modeProbe("GPREFU0001", 2, 3, SimSignal::constant(1.0)),
+        modeProbe("GPREFU0002", 2, 3, SimSignal::constant(1.0)),
         SimModule::dio2("DIO2000003"),
     });
     auto* first = dynamic_cast<KavroModuleDP*>(rig.module(0));
@@ -269,14 +268,14 @@ TEST(BufferedMode, RefusalsChangeNothingAndSendNothing) {
     EXPECT_EQ("Unable to start buffered, buffered mode is 14 bit resolution only.",
               messageOf([&] { buffered->Start(); }));
     EXPECT_EQ("", rig.commandCodes());
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ(eBufferedModeStatus::None, buffered->Status());
     first->setResolution(eResolution::res14Bit);
 
     // A module that refuses its set-mode stops the start; the network stays idle.
     rig.controller.injectFault(SimFault::errorReply(0x41).only('V'));
     EXPECT_EQ("Unable to set module buffered sync mode.", messageOf([&] { buffered->Start(); }));
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
 
     buffered->setMasterIndex(-1);
     buffered->Start();
@@ -297,11 +296,11 @@ TEST(BufferedMode, RefusalsChangeNothingAndSendNothing) {
     EXPECT_EQ("", rig.commandCodes());
     EXPECT_EQ(40, first->Buffered()->OTUs());
     buffered->Stop();
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
 
     // A master index left behind by a deletion no longer names a module.
     buffered->setMasterIndex(2);
     bus.DeleteModule(0);
     EXPECT_EQ("No module at the buffered master index", messageOf([&] { buffered->Start(); }));
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
 }

@@ -4,15 +4,14 @@
 
 #include "KavroModuleDP.h"
 #include "KavroNetwork.h"
+#include "ModeTestRig.h"
 #include "ModuleBuffered.h"
 #include "ModuleDifference.h"
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
-#include "SimNetworkRig.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
-using namespace simrig;
 using std::chrono::seconds;
 
 namespace {
@@ -23,7 +22,7 @@ constexpr double kCountTolerance = 2;
 
 // Interim read-outs until the module has taken `readings`.
 bool waitForReadings(ModuleDifference* difference, std::uint32_t readings) {
-    return waitUntil(
+    return waitFor(
         [&] {
             difference->ReadDifference();
             return difference->ReadingCount() >= readings;
@@ -34,11 +33,11 @@ bool waitForReadings(ModuleDifference* difference, std::uint32_t readings) {
 }  // namespace
 
 TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
-    SimNetworkRig rig({
-        probe("GPWORDS001", 2, 2, SimSignal::sine(1.0, 0.5, 0.2)),  // 0.5 to 1.5 mm, word read-out
-        probe("GPWORDS002", 5, 1, SimSignal::ramp(1.0, 2.0, 0.3)),  // 1 to 2 mm, word read-out
-        probe("GPFULL0001", 2, 3, SimSignal::sine(1.0, 0.3, 0.2)),  // 0.7 to 1.3 mm, full read-out
-        probe("GPIDLE0001", 2, 3, SimSignal::constant(0.25)),       // not taking part
+    ModeTestRig rig({
+        modeProbe("GPWORDS001", 2, 2, SimSignal::sine(1.0, 0.5, 0.2)),  // 0.5 to 1.5 mm, word read-out
+        modeProbe("GPWORDS002", 5, 1, SimSignal::ramp(1.0, 2.0, 0.3)),  // 1 to 2 mm, word read-out
+        modeProbe("GPFULL0001", 2, 3, SimSignal::sine(1.0, 0.3, 0.2)),  // 0.7 to 1.3 mm, full read-out
+        modeProbe("GPIDLE0001", 2, 3, SimSignal::constant(0.25)),       // not taking part
     });
     for (int index = 0; index < 3; ++index) rig.module(index)->Difference()->setEnabled(true);
     NetworkDifference* network = rig.network->Difference();
@@ -47,7 +46,7 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
     EXPECT_EQ(eDifferenceMode::Mode2, rig.module(2)->Difference()->Mode());
 
     network->Start();
-    EXPECT_EQ(OperationDifference, rig.activeOperation());
+    EXPECT_EQ(OperationDifference, rig.operation());
     EXPECT_EQ(eDifferenceModeStatus::Started, network->Status());
     EXPECT_EQ(eDifferenceModeStatus::Started, rig.module(1)->Difference()->Status());
     // Modules that take part cannot be read; the others can.
@@ -58,7 +57,7 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
     // Two sine periods and more than a ramp period.
     ASSERT_TRUE(waitForReadings(rig.module(0)->Difference(), 450));
     network->Stop();
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ(eDifferenceModeStatus::Stopped, network->Status());
 
     const ModuleDifference* sine = rig.module(0)->Difference();
@@ -106,9 +105,9 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
 }
 
 TEST(DifferenceMode, WordSumPastThirtyTwoBitsReachesTheUser) {
-    SimModule fast = probe("GPSUM00001", 2, 2, SimSignal::constant(1.999));  // 16376 counts
+    SimModule fast = modeProbe("GPSUM00001", 2, 2, SimSignal::constant(1.999));  // 16376 counts
     fast.difference().setSampleRate(100000);
-    SimNetworkRig rig({fast});
+    ModeTestRig rig({fast});
     ModuleDifference* difference = rig.module(0)->Difference();
     difference->setEnabled(true);
     rig.network->Difference()->Start();
@@ -122,13 +121,13 @@ TEST(DifferenceMode, WordSumPastThirtyTwoBitsReachesTheUser) {
 }
 
 TEST(DifferenceMode, RangeFlagsCombineAndRealErrorsWin) {
-    SimNetworkRig rig({
-        probe("GPDROP0001", 2, 2, SimSignal::constant(1.0)),        // its last read-out is lost
-        probe("GPBOTH0001", 2, 2, SimSignal::sine(1.0, 1.5, 0.2)),  // below and above 0 to 2 mm
-        probe("GPFAIL0001", 2, 2, SimSignal::constant(1.0)),        // refuses one interim read-out
-        probe("GPFULL0002", 2, 3, SimSignal::constant(1.0)),        // refuses the last read-out
-        probe("GPFULL0003", 2, 3, SimSignal::sine(1.0, 1.5, 0.2)),  // full read-out, both sides
-        probe("GPOVER0001", 2, 2, SimSignal::sine(1.8, 0.5, 0.2)),  // above only
+    ModeTestRig rig({
+        modeProbe("GPDROP0001", 2, 2, SimSignal::constant(1.0)),        // its last read-out is lost
+        modeProbe("GPBOTH0001", 2, 2, SimSignal::sine(1.0, 1.5, 0.2)),  // below and above 0 to 2 mm
+        modeProbe("GPFAIL0001", 2, 2, SimSignal::constant(1.0)),        // refuses one interim read-out
+        modeProbe("GPFULL0002", 2, 3, SimSignal::constant(1.0)),        // refuses the last read-out
+        modeProbe("GPFULL0003", 2, 3, SimSignal::sine(1.0, 1.5, 0.2)),  // full read-out, both sides
+        modeProbe("GPOVER0001", 2, 2, SimSignal::sine(1.8, 0.5, 0.2)),  // above only
     });
     for (int index = 0; index < 6; ++index) rig.module(index)->Difference()->setEnabled(true);
     NetworkDifference* network = rig.network->Difference();
@@ -178,9 +177,9 @@ TEST(DifferenceMode, RangeFlagsCombineAndRealErrorsWin) {
 
 TEST(DifferenceMode, RefusalsChangeNothingAndSendNothing) {
     SimModule diom = SimModule::diom("DIOM000001");
-    SimNetworkRig rig({
-        probe("GPREF00001", 2, 3, SimSignal::constant(1.0)),
-        probe("GPREF00002", 2, 3, SimSignal::constant(1.0)),
+    ModeTestRig rig({
+        modeProbe("GPREF00001", 2, 3, SimSignal::constant(1.0)),
+        modeProbe("GPREF00002", 2, 3, SimSignal::constant(1.0)),
         diom,
     });
     NetworkDifference* network = rig.network->Difference();
@@ -200,7 +199,7 @@ TEST(DifferenceMode, RefusalsChangeNothingAndSendNothing) {
     rig.clearLog();
     EXPECT_EQ("GPREF00002 is not set to 14bit resolution.", messageOf([&] { network->Start(); }));
     EXPECT_EQ("", rig.commandCodes()) << "nothing is armed before every check passed";
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ(eDifferenceModeStatus::None, network->Status());
     EXPECT_EQ(eDifferenceModeStatus::None, rig.module(0)->Difference()->Status());
     network->Stop();
@@ -231,5 +230,5 @@ TEST(DifferenceMode, RefusalsChangeNothingAndSendNothing) {
     EXPECT_EQ("Cannot change module enable state during an kavro operation",
               messageOf([&] { rig.module(0)->Difference()->setEnabled(true); }));
     network->Stop();
-    EXPECT_EQ(OperationIdle, rig.activeOperation());
+    EXPECT_EQ(OperationIdle, rig.operation());
 }

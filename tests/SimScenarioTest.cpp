@@ -155,7 +155,7 @@ TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
     const std::pair<std::string, std::string> cases[] = {
         {"", "names no controller"},
         {"module probe GP00000001 range=2\n", "test.scn:1: a module line must follow a controller line"},
-        {"controller usb\n", "test.scn:1: unknown controller face 'usb'"},
+        {"controller bluetooth\n", "test.scn:1: unknown controller face 'bluetooth'"},
         {"controller ethernet\n", "needs an address"},
         {"controller ethernet auto identity=SHORT\n", "identity 'SHORT' must be 10 characters"},
         {"controller serial speeds=low,warp\n", "unknown speed 'warp'"},

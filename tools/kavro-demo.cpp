@@ -1,98 +1,368 @@
-// The library's main job on the built-in default: the library's identity and
-// a few error texts, then difference and buffered runs on a simulated bus.
-#include <KavroLibrary.h>
+// kavro-demo: the library's main job on the built-in simulated bus, with no
+// hardware and nothing to set up. It starts simulated controllers in this
+// process (an Ethernet one on a free loopback address, a serial one on a
+// pseudo-terminal, a USB one behind the stand-in libftd2xx.so), lists the
+// first two in a controller configuration file under a private HOME, and then
+// does what an application does: find the networks, connect them, add the
+// modules of each bus by identity and read them.
+#include <dlfcn.h>
+#include <stdlib.h>
 
 #include <chrono>
-#include <cstdlib>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
 
+#include <KavroLibrary.h>
+
+#include "TextTable.h"
 #include "core/ErrorDictionary.h"
 #include "core/KavroSim.h"
+#include "usb/KavroSimUsb.h"
 
 namespace {
 
 using namespace KavroLibrary;
+using Clock = std::chrono::steady_clock;
 
-// Two probes on a simulated Ethernet controller: one swings between 0.6 and
-// 1.4 mm, the other is stepped by hand between sample triggers.
-void modesOnSimulatedBus() {
-    using namespace kavrosim;
-    SimControllerConfig config = SimControllerConfig::ethernet("ETHDEMO001");
-    config.speeds = {SimSpeed::Low};
-    SimController controller(config);
-    SimModule swinging = SimModule::digitalProbe("GPDEMO0001", 2.0);
-    swinging.setGeneration(2);  // counts and sums its readings
-    swinging.setSignal(SimSignal::sine(1.0, 0.4, 0.2));
-    controller.addModule(swinging);
-    controller.addModule(SimModule::digitalProbe("GPDEMO0002", 2.0));
-    SimEthernetFace face(controller);
-    face.start();
+// The simulated bus. The Ethernet and serial controllers run here on their
+// own threads; the stand-in D2XX library takes the usb one.
+const char* const kScenario = R"(
+controller ethernet auto identity=ETHSIM0001 description="Bench ETHIM"
+module probe   GP02000001 range=2  signal=sine:1,0.6,4
+module probe   GP05000002 range=5  resolution=16 signal=constant:2.5
+module probe   GP10000003 range=10 signal=ramp:0,10,20
+module encoder LE00000004 cpu=1000 signal=ramp:0,50,30
+module dio2    DO00000005 signal=constant:5
 
-    KavroNetworkETHIM network(0, "Demo", face.address());
-    network.Connect();
-    if (!network.IsConnected()) {
-        std::cout << "  the simulated controller did not answer\n";
-        return;
+controller serial identity=SERSIM0001 description="Bench RS232"
+module probe   GP02000011 range=2 generation=2 signal=constant:1.25
+module probe   GP05000012 range=5 generation=1 format=old signal=sine:2.5,1,10
+
+controller usb identity=USBSIM0001 description="Bench USBIM"
+module probe   GP01000021 range=1 signal=noise:0.5,0.002,42
+module probe   GP02000022 range=2 resolution=18 signal=sine:1,0.25,6
+module encoder-input DE00000023 signal=ramp:0,360,12
+)";
+
+constexpr int kReadingRounds = 3;
+constexpr auto kBetweenRounds = std::chrono::milliseconds(250);
+
+// HOME pointed at a private temporary folder, removed with everything in it.
+class PrivateHome {
+public:
+    PrivateHome() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "kavro-demo-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a temporary folder");
+        path_ = pattern;
+        if (const char* home = std::getenv("HOME")) saved_ = home;
+        setenv("HOME", path_.c_str(), 1);
     }
-    network.AddModule("GPDEMO0001", "Swinging");
-    network.AddModule("GPDEMO0002", "Stepping");
-    std::cout << network.Description() << " on " << face.address() << "\n";
-
-    ModuleDifference* difference = network.GetModule(0)->Difference();
-    difference->setEnabled(true);
-    network.Difference()->Start();
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    do {
-        difference->ReadDifference();  // interim results, until a few periods are in
-    } while (difference->ReadingCount() < 500 && std::chrono::steady_clock::now() < deadline);
-    network.Difference()->Stop();
-    std::cout << "Difference run of " << difference->ReadingCount() << " readings: min " << difference->Min()
-              << " mm, max " << difference->Max() << " mm, difference " << difference->Diff() << " mm, mean "
-              << difference->Sum() / difference->ReadingCount() << " mm\n";
-    difference->setEnabled(false);
-
-    ModuleBuffered* buffered = network.GetModule(1)->Buffered();
-    buffered->setMode(eBufferedMode::Sample);
-    buffered->setEnabled(true);
-    network.Buffered()->Start();
-    for (double value : {0.5, 1.25, 2.5}) {
-        controller.setSignal("GPDEMO0002", SimSignal::constant(value));
-        const auto before = controller.requestCount();
-        network.Buffered()->Sample();
-        controller.waitForRequestCount(before + 1, std::chrono::seconds(2));
+    ~PrivateHome() {
+        if (saved_) {
+            setenv("HOME", saved_->c_str(), 1);
+        } else {
+            unsetenv("HOME");
+        }
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
     }
-    network.Buffered()->Stop();
-    int length = 0;
-    sReadingItem* items = buffered->GetBufferedDataArray(length);
-    std::cout << "Buffered sample run:";
-    for (int i = 0; i < length; ++i) {
-        std::cout << " " << items[i].value << " mm";
-        if (items[i].error != eKavroErrors::NoError) std::cout << " (" << eKavroErrors_ToString(items[i].error) << ")";
+    PrivateHome(const PrivateHome&) = delete;
+    PrivateHome& operator=(const PrivateHome&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+
+    // The per-user controller configuration file.
+    void writeConfiguration(const std::string& contents) const {
+        const auto file = path_ / ".PellaquinMetrology" / "kavrolibrarysettings.xml";
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file) << contents;
     }
-    std::cout << "\n";
-    std::free(items);
-    network.Disconnect();
+
+private:
+    std::filesystem::path path_;
+    std::optional<std::string> saved_;
+};
+
+// The stand-in D2XX library, loaded before the library's first USB use so
+// that its own dlopen("libftd2xx.so") finds it; its devices are dropped on
+// the way out.
+class UsbStandIn {
+public:
+    explicit UsbStandIn(const char* scenario) {
+        library_ = dlopen(KAVRO_SIM_USB_LIBRARY, RTLD_NOW | RTLD_GLOBAL);
+        if (library_ == nullptr) throw std::runtime_error(std::string("cannot load the stand-in: ") + dlerror());
+        auto load = reinterpret_cast<KavroSimUsbLoadText>(dlsym(library_, "kavro_sim_usb_load_text"));
+        clear_ = reinterpret_cast<KavroSimUsbClear>(dlsym(library_, "kavro_sim_usb_clear"));
+        if (load == nullptr || clear_ == nullptr || load(scenario) < 1) {
+            throw std::runtime_error("the stand-in libftd2xx.so did not take the usb controller");
+        }
+    }
+    ~UsbStandIn() { clear_(); }
+    UsbStandIn(const UsbStandIn&) = delete;
+    UsbStandIn& operator=(const UsbStandIn&) = delete;
+
+private:
+    void* library_ = nullptr;
+    KavroSimUsbClear clear_ = nullptr;
+};
+
+std::string configurationFile(const std::string& ethernetAddress, const std::string& serialLine) {
+    return "<?xml version=\"1.0\"?>\n"
+           "<settings>\n"
+           "  <networks>\n"
+           "    <network controllertype=\"ETHIM\">\n"
+           "      <networkname>Bench Ethernet</networkname>\n"
+           "      <address>" +
+           ethernetAddress +
+           "</address>\n"
+           "    </network>\n"
+           "    <network controllertype=\"RS232IM\">\n"
+           "      <networkname>Bench RS232</networkname>\n"
+           "      <comport>" +
+           serialLine +
+           "</comport>\n"
+           "      <baud>115200</baud>\n"
+           "    </network>\n"
+           "  </networks>\n"
+           "</settings>\n";
+}
+
+std::string seconds(Clock::duration elapsed) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f s", std::chrono::duration<double>(elapsed).count());
+    return text;
+}
+
+// As many decimals as the module resolves: one count in units.
+std::string formatReading(KavroModule& module) {
+    try {
+        const double value = module.ReadingInUnits();
+        const double countsPerUnit = module.CPUOM();
+        int decimals = countsPerUnit > 1 ? static_cast<int>(std::ceil(std::log10(countsPerUnit))) : 0;
+        decimals = std::max(0, std::min(decimals, 6));
+        char text[64];
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+        return text;
+    } catch (const KavroException& error) {
+        return "(" + error.Message + ")";
+    } catch (const std::exception& error) {
+        return std::string("(") + error.what() + ")";
+    }
+}
+
+std::string describeNetwork(unsigned index, KavroNetwork& network) {
+    const std::string name = network.NetworkName().empty() ? "(found on USB)" : network.NetworkName();
+    std::string line = "Network " + std::to_string(index) + ": " + name + "  --  " + network.Description();
+    if (!network.IsConnected()) return line + ", not connected\n";
+    return line + ", up to " + std::to_string(network.MaximumAllowableNumberOfModules()) + " modules, bus speed " +
+           eNetSpeed_ToString(network.NetSpeed()) + "\n";
+}
+
+// The other ways a network learns its modules: a module announcing itself
+// to the notification, one plugged in that addressed itself, then a
+// read-burst of them all and the network saved to a settings file and loaded
+// back.
+void showModuleLearning(unsigned index, KavroNetwork& network, kavrosim::SimController& controller,
+                        const std::filesystem::path& folder) {
+    using kavrosim::SimModule;
+    using kavrosim::SimSignal;
+    std::cout << "\nNetwork " << index << " learns modules the other ways\n";
+
+    SimModule pressed = SimModule::digitalProbe("GP05000006", 5.0);
+    pressed.setSignal(SimSignal::constant(-1.0));  // below its range
+    pressed.setAnnouncing(true);                   // its button is pressed
+    controller.addModule(pressed);
+    network.BeginNotifying();
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (network.Notifying() && Clock::now() < deadline) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    network.CancelNotifying();
+    std::cout << "  Notification: " << pressed.identity() << " announced itself; the network has "
+              << network.ModuleCount() << " modules\n";
+
+    controller.hotPlug(SimModule::linearEncoder("LE00000007"));
+    const unsigned asked = network.FindHotswapped();
+    std::cout << "  Hot-swap search (" << asked << " identify commands): the network has " << network.ModuleCount()
+              << " modules\n";
+
+    int count = 0;
+    network.Readburst(count);
+    std::cout << "  Read-burst of " << count << " modules\n";
+    TextTable burst({{"Addr", TextTable::Align::Right}, {"Identity"}, {"Units"}, {"Reading", TextTable::Align::Right}});
+    for (int m = 0; m < count; ++m) {
+        KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
+        const int error = module.LastReadburst_Error();
+        std::string reading;
+        try {
+            char text[64];
+            std::snprintf(text, sizeof text, "%.4f", module.LastReadburst_InUnitsOfMeasure());
+            reading = text;
+            if (error != 0) reading = "(" + GetErrorDescriptionInternal(error) + ")";
+        } catch (const std::exception& failure) {
+            reading = std::string("(") + failure.what() + ")";
+        }
+        burst.addRow({std::to_string(module.Address()), module.ModuleID(),
+                      module.UnitsOfMeasure().empty() ? "-" : module.UnitsOfMeasure(), reading});
+    }
+    std::cout << burst.render("    ");
+
+    const std::string file = (folder / "bench-ethernet.xml").string();
+    network.Save(file);
+    network.Load(file);
+    std::cout << "  Saved to a settings file and loaded back: " << network.ModuleCount() << " modules\n";
+}
+
+int runDemo() {
+    // A build tree that is not installed carries the texts beside the sources.
+    if (GetErrorDescriptionInternal(0) == "Unknown Error")
+        loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
+
+    std::istringstream scenarioText(kScenario);
+    const kavrosim::SimScenario scenario = kavrosim::parseScenario(scenarioText, "demo scenario");
+    // Module identities by controller identity: what each bus holds.
+    std::map<std::string, std::vector<std::string>> busModules;
+    for (const auto& controller : scenario.controllers) {
+        for (const auto& module : controller.modules)
+            busModules[controller.config.identity].push_back(module.identity());
+    }
+
+    PrivateHome home;
+    kavrosim::SimSession session(scenario);
+    session.start();
+    UsbStandIn usb(kScenario);
+    home.writeConfiguration(configurationFile(session.face(0).location(), session.face(1).location()));
+
+    KavroServer server;
+    std::cout << "KavroLibrary " << server.LibraryVersion() << " (part " << server.LibraryPartNumber() << ", built "
+              << server.LibraryBuildDate() << ") on the built-in simulated bus\n\n"
+              << "Simulated controllers\n";
+    TextTable controllers({{"Identity"}, {"Type"}, {"Reached over"}, {"Modules", TextTable::Align::Right}});
+    for (const auto& controller : scenario.controllers) {
+        std::string where = "USB, stand-in libftd2xx.so";
+        for (std::size_t i = 0; i < session.size(); ++i) {
+            if (session.controller(i).config().identity == controller.config.identity)
+                where = session.face(i).describe();
+        }
+        controllers.addRow(
+            {controller.config.identity, controller.config.typeCode, where, std::to_string(controller.modules.size())});
+    }
+    std::cout << controllers.render() << "\n";
+
+    int failures = 0;
+    std::set<std::string> simulatedConnected;
+    {
+        KavroNetworks& networks = *server.Networks();
+        const auto start = Clock::now();
+        networks.FindNetworks();
+        std::cout << "Found " << networks.Count() << " networks (configuration file, then USB); connecting ...\n";
+        networks.ConnectAll();
+        std::cout << "Connected in " << seconds(Clock::now() - start) << "\n";
+
+        for (unsigned n = 0; n < networks.Count(); ++n) {
+            KavroNetwork& network = *networks.Network(n);
+            if (!network.IsConnected()) {
+                // A network of this machine's own system-wide file is not
+                // the demo's to judge.
+                std::cout << "\n" << describeNetwork(n, network);
+                continue;
+            }
+            const auto bus = busModules.find(network.ControllerID());
+            if (bus == busModules.end()) continue;
+            simulatedConnected.insert(network.ControllerID());
+            for (const std::string& identity : bus->second) {
+                try {
+                    network.AddModule(identity, "");
+                } catch (const std::exception& error) {
+                    std::cout << "  could not add " << identity << ": " << error.what() << "\n";
+                    ++failures;
+                }
+            }
+            // The fastest speed the controller and every module share.
+            const std::vector<eNetSpeed> speeds = network.AvailableSpeeds();
+            if (!speeds.empty()) network.setNetSpeed(speeds.back());
+
+            std::cout << "\n" << describeNetwork(n, network);
+            TextTable modules({{"Addr", TextTable::Align::Right},
+                               {"Identity"},
+                               {"Kind"},
+                               {"Description"},
+                               {"Units"},
+                               {"Generation"},
+                               {"Firmware"}});
+            for (int m = 0; m < network.ModuleCount(); ++m) {
+                KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
+                modules.addRow({std::to_string(module.Address()), module.ModuleID(),
+                                eModuleType_ToString(module.ModuleType()), module.DeviceType(),
+                                module.UnitsOfMeasure().empty() ? "-" : module.UnitsOfMeasure(),
+                                eGeneration_ToString(module.KavroGeneration()), module.Version()});
+            }
+            std::cout << modules.render();
+        }
+
+        // Rows of modules, a column per round of readings.
+        std::vector<TextTable::Column> columns{
+            {"Net", TextTable::Align::Right}, {"Addr", TextTable::Align::Right}, {"Identity"}, {"Units"}};
+        for (int round = 1; round <= kReadingRounds; ++round) {
+            columns.push_back({"Round " + std::to_string(round), TextTable::Align::Right});
+        }
+        std::map<std::pair<unsigned, int>, std::vector<std::string>> readings;
+        for (int round = 0; round < kReadingRounds; ++round) {
+            if (round > 0) std::this_thread::sleep_for(kBetweenRounds);
+            for (unsigned n = 0; n < networks.Count(); ++n) {
+                KavroNetwork& network = *networks.Network(n);
+                for (int m = 0; m < network.ModuleCount(); ++m) {
+                    readings[{n, m}].push_back(formatReading(*network.GetModule(static_cast<unsigned>(m))));
+                }
+            }
+        }
+        TextTable table(columns);
+        for (const auto& [where, values] : readings) {
+            KavroModule& module = *networks.Network(where.first)->GetModule(static_cast<unsigned>(where.second));
+            std::vector<std::string> row{std::to_string(where.first), std::to_string(module.Address()),
+                                         module.ModuleID(),
+                                         module.UnitsOfMeasure().empty() ? "-" : module.UnitsOfMeasure()};
+            row.insert(row.end(), values.begin(), values.end());
+            table.addRow(row);
+        }
+        std::cout << "\nReadings, " << kReadingRounds << " rounds "
+                  << std::chrono::duration_cast<std::chrono::milliseconds>(kBetweenRounds).count() << " ms apart\n"
+                  << table.render();
+
+        for (unsigned n = 0; n < networks.Count(); ++n) {
+            KavroNetwork& network = *networks.Network(n);
+            if (network.IsConnected() && network.ControllerID() == session.controller(0).config().identity) {
+                showModuleLearning(n, network, session.controller(0), home.path());
+            }
+        }
+        networks.DisconnectAll();
+    }
+    std::cout << "\nDisconnected.\n";
+    for (const auto& [identity, modules] : busModules) {
+        if (simulatedConnected.count(identity) == 0) {
+            std::cout << "The simulated controller " << identity << " was not found or did not connect.\n";
+            ++failures;
+        }
+    }
+    return failures == 0 ? 0 : 1;
 }
 
 }  // namespace
 
 int main() {
-    // The library reads its texts from the fixed installed path; a source
-    // checkout that is not installed uses the copy beside the sources.
-    if (GetErrorDescriptionInternal(0) == "Unknown Error") {
-        loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    }
-    std::cout << "KavroLibrary error texts\n";
-    for (auto code : {eKavroErrors::NoError, eKavroErrors::Timeout, eKavroErrors::UnderRange, eKavroErrors::OverRange,
-                      eKavroErrors::BUFFER_FULL}) {
-        std::cout << "  " << static_cast<int>(code) << " " << eKavroErrors_ToString(code) << ": "
-                  << GetErrorDescriptionInternal(static_cast<int>(code)) << "\n";
-    }
     try {
-        modesOnSimulatedBus();
+        return runDemo();
     } catch (const std::exception& error) {
-        std::cout << "Modes on the simulated bus failed: " << error.what() << "\n";
+        std::cerr << "kavro-demo: " << error.what() << "\n";
         return 1;
     }
-    return 0;
 }

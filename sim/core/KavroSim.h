@@ -11,6 +11,12 @@
 //   SimSerialFace line(controller2);       // a pseudo-terminal
 //   line.start();                          // open line.slavePath() as the RS-232 line
 //
+//   SimWirelessFace radio(controller3);    // serial framing over TCP
+//   radio.start();                         // a wireless network's address: radio.location()
+//
+// USB controllers are served by the stand-in libftd2xx.so (sim/usb): load
+// it and hand it a scenario (sim/usb/KavroSimUsb.h).
+//
 // While a face runs, the test may change the bus from its own thread:
 //   controller.setSignal("GP00000001", SimSignal::sine(1.0, 0.5, 2.0));
 //   controller.updateModule("GP00000001", [](SimModule& m) { m.setResolutionBits(18); });
@@ -45,3 +51,4 @@
 #include "core/SimSession.h"
 #include "core/SimSignal.h"
 #include "core/SimSpeed.h"
+#include "core/SimWirelessFace.h"

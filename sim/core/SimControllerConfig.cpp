@@ -45,6 +45,10 @@ SimControllerConfig SimControllerConfig::usb(const std::string& identity) {
     return make(identity, "USB2", 150, "Simulated USBIM");
 }
 
+SimControllerConfig SimControllerConfig::wireless(const std::string& identity) {
+    return make(identity, "WIM2", 160, "Simulated WIM");
+}
+
 void SimControllerConfig::validate() const {
     requireWidth("identity", identity, 10, 10);
     requireWidth("part number", partNumber, 8, 8);
@@ -66,7 +70,9 @@ std::vector<SimSpeed> SimControllerConfig::supportedSpeeds() const {
     if ((typeCode == "ETHI" || typeCode == "ETH2" || typeCode == "USB2") && firmwareNumber > 149) {
         return {SimSpeed::Low, SimSpeed::High, SimSpeed::UltraHigh};
     }
-    if ((typeCode == "232I" || typeCode == "485I") && firmwareNumber > 150) return {SimSpeed::Low, SimSpeed::High};
+    if ((typeCode == "232I" || typeCode == "485I" || typeCode == "WIM2") && firmwareNumber > 150) {
+        return {SimSpeed::Low, SimSpeed::High};
+    }
     return {SimSpeed::Low};
 }
 

@@ -17,22 +17,25 @@ struct SimControllerConfig {
     std::string model;             // up to 4 characters
     int firmwareNumber = 150;      // hundredths: 150 is 1.50
     std::string firmwareText;      // 5 characters; empty: made from the firmware number ("1.50 ")
-    std::string typeCode;          // "ETHI", "ETH2", "232I", "485I", "USB2"
+    std::string typeCode;          // "ETHI", "ETH2", "232I", "485I", "USB2", "WIM2"
     std::string limitText;         // up to 16 characters: "L032" allows 32 modules
     std::string description;       // up to 16 characters
     std::vector<SimSpeed> speeds;  // empty: what the type code and firmware offer
 
     // Typical controllers: an Ethernet one (ETHI, 1.50), a serial one (232I,
-    // 1.60, so that it offers High) and a USB one (USB2, 1.50).
+    // 1.60, so that it offers High), a USB one (USB2, 1.50) and a wireless
+    // interface module (WIM2, 1.60).
     static SimControllerConfig ethernet(const std::string& identity);
     static SimControllerConfig serial(const std::string& identity);
     static SimControllerConfig usb(const std::string& identity);
+    static SimControllerConfig wireless(const std::string& identity);
 
     // Throws std::invalid_argument naming the field that does not fit.
     void validate() const;
 
     // Low always; Ethernet and USB controllers above firmware 149 add High
-    // and UltraHigh, serial ones above 150 add High; or the list given.
+    // and UltraHigh, serial and wireless ones above 150 add High; or the
+    // list given.
     std::vector<SimSpeed> supportedSpeeds() const;
     std::string version() const;  // the 5-character firmware text
     Bytes identityBytes() const;  // 27 bytes: identity, part number, model, firmware text

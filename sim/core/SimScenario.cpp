@@ -130,25 +130,61 @@ void apply(const LineReader& reader, Apply&& setter) {
     }
 }
 
+// Printable text of at most `width` characters.
+void requireText(const LineReader& reader, const std::string& key, const std::string& text, std::size_t width) {
+    if (text.size() > width)
+        reader.fail(key + " '" + text + "' is longer than " + std::to_string(width) + " characters");
+    for (char c : text) {
+        if (c < ' ' || c > '~') reader.fail(key + " must be printable text");
+    }
+}
+
+// The keys of a usb controller's FTDI device.
+void takeUsbChannels(const LineReader& reader, Settings& settings, SimUsbChannels& usb) {
+    if (settings.has("channel-a")) usb.channelA = settings.take("channel-a");
+    if (settings.has("channel-b")) {
+        usb.channelB = settings.take("channel-b");
+        if (usb.channelB == "none") usb.channelB.clear();
+    }
+    if (settings.has("flags")) usb.flags = static_cast<std::uint32_t>(settings.whole("flags", 0, 0xFFFF));
+    if (settings.has("chip")) usb.chip = static_cast<std::uint32_t>(settings.whole("chip", 0, 0xFFFF));
+    if (settings.has("serial")) usb.serialNumber = settings.take("serial");
+    requireText(reader, "channel-a", usb.channelA, 63);
+    requireText(reader, "channel-b", usb.channelB, 63);
+    // The channel letter is appended to the serial number.
+    requireText(reader, "serial", usb.serialNumber, 14);
+}
+
 SimScenarioController parseController(const LineReader& reader, const std::vector<Word>& words, int ordinal) {
-    if (words.size() < 2) reader.fail("controller needs a face: ethernet or serial");
+    const char* const faces = "ethernet, serial, usb or wireless";
+    if (words.size() < 2) reader.fail(std::string("controller needs a face: ") + faces);
     SimScenarioController controller;
     std::size_t settingsFrom = 2;
     const std::string number = std::to_string(ordinal);
     const std::string suffix = std::string(4 - number.size(), '0') + number;
-    if (words[1].text == "ethernet") {
+    const std::string& face = words[1].text;
+    if (face == "ethernet" || face == "wireless") {
         if (words.size() < 3 || words[2].text.find('=') != std::string::npos) {
-            reader.fail("an ethernet controller needs an address (an IPv4 address or auto)");
+            reader.fail(std::string(face == "ethernet" ? "an " : "a ") + face +
+                        " controller needs an address (an IPv4 address or auto)");
         }
-        controller.face = SimFaceKind::Ethernet;
         controller.address = words[2].text == "auto" ? "" : words[2].text;
-        controller.config = SimControllerConfig::ethernet("ETHSIM" + suffix);
+        if (face == "ethernet") {
+            controller.face = SimFaceKind::Ethernet;
+            controller.config = SimControllerConfig::ethernet("ETHSIM" + suffix);
+        } else {
+            controller.face = SimFaceKind::Wireless;
+            controller.config = SimControllerConfig::wireless("WIMSIM" + suffix);
+        }
         settingsFrom = 3;
-    } else if (words[1].text == "serial") {
+    } else if (face == "serial") {
         controller.face = SimFaceKind::Serial;
         controller.config = SimControllerConfig::serial("SERSIM" + suffix);
+    } else if (face == "usb") {
+        controller.face = SimFaceKind::Usb;
+        controller.config = SimControllerConfig::usb("USBSIM" + suffix);
     } else {
-        reader.fail("unknown controller face '" + words[1].text + "' (expected ethernet or serial)");
+        reader.fail("unknown controller face '" + face + "' (expected " + faces + ")");
     }
 
     Settings settings(reader, words, settingsFrom);
@@ -174,6 +210,11 @@ SimScenarioController parseController(const LineReader& reader, const std::vecto
             start = comma + 1;
         }
     }
+    if (settings.has("port")) {
+        if (controller.face != SimFaceKind::Wireless) reader.fail("only a wireless controller has a port");
+        controller.port = settings.whole("port", 1, 65535);
+    }
+    if (controller.face == SimFaceKind::Usb) takeUsbChannels(reader, settings, controller.usb);
     if (settings.has("link")) {
         if (controller.face != SimFaceKind::Serial) reader.fail("only a serial controller has a link");
         controller.link = settings.take("link");
@@ -305,8 +346,9 @@ SimScenario parseScenario(std::istream& in, const std::string& sourceName) {
         if (keyword == "controller") {
             SimScenarioController controller =
                 parseController(reader, words, static_cast<int>(scenario.controllers.size()) + 1);
-            if (!controller.address.empty() && !addresses.insert(controller.address).second) {
-                reader.fail("another controller already listens on " + controller.address);
+            const std::string where = controller.address + ":" + std::to_string(controller.port);
+            if (!controller.address.empty() && !addresses.insert(where).second) {
+                reader.fail("another controller already listens on " + where);
             }
             if (!controller.link.empty() && !links.insert(controller.link).second) {
                 reader.fail("another controller already uses the link " + controller.link);
@@ -343,7 +385,11 @@ std::string scenarioFormatHelp() {
 
   controller ethernet ADDRESS [key=value ...]    ADDRESS: IPv4 (port 10001) or auto
   controller serial [key=value ...]              a pseudo-terminal; link=PATH adds a symlink
-      identity=TEXT10 type=ETHI|ETH2|232I|485I firmware=150 version=1.50
+  controller usb [key=value ...]                 served by the stand-in libftd2xx.so, in the
+                                                 application's process (KAVRO_SIM_USB_SCENARIO)
+      channel-a="Pellaquin USBIM A" channel-b="Pellaquin USBIM B"|none flags=0 chip=6 serial=TEXT
+  controller wireless ADDRESS [port=10001]       serial framing over TCP
+      identity=TEXT10 type=ETHI|ETH2|232I|485I|USB2|WIM2 firmware=150 version=1.50
       part=P770100A model=ETHI limit=L032 description=TEXT speeds=low,high,ultrahigh
 
   module KIND IDENTITY [key=value ...]           on the bus of the controller above

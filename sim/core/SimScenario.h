@@ -3,6 +3,7 @@
 // `kavro-sim --help` (scenarioFormatHelp()).
 #pragma once
 
+#include <cstdint>
 #include <istream>
 #include <stdexcept>
 #include <string>
@@ -13,12 +14,27 @@
 
 namespace kavrosim {
 
-enum class SimFaceKind { Ethernet, Serial };
+// Ethernet and wireless controllers listen on TCP, serial ones on a
+// pseudo-terminal; USB ones are served in-process by the stand-in D2XX
+// library (sim/usb), never by kavro-sim.
+enum class SimFaceKind { Ethernet, Serial, Usb, Wireless };
+
+// The FTDI dual-channel device of a USB interface module as the D2XX device
+// list shows it: channel A is wired to the controller, channel B to nothing.
+struct SimUsbChannels {
+    std::string channelA = "Pellaquin USBIM A";  // description of channel A
+    std::string channelB = "Pellaquin USBIM B";  // empty: channel B is not listed
+    std::uint32_t flags = 0;                     // channel A's flags; 1: opened by another program
+    std::uint32_t chip = 6;                      // D2XX device type; 6 is the dual-channel high-speed chip
+    std::string serialNumber;                    // empty: made from the position; the channel letter is appended
+};
 
 struct SimScenarioController {
     SimFaceKind face = SimFaceKind::Ethernet;
-    std::string address;  // Ethernet: dotted IPv4; empty for a free loopback address ("auto")
+    std::string address;  // Ethernet, wireless: dotted IPv4; empty for a free loopback address ("auto")
+    int port = 10001;     // wireless: the TCP port
     std::string link;     // serial: symbolic link to make to the line, or empty
+    SimUsbChannels usb;   // USB only
     SimControllerConfig config;
     std::vector<SimModule> modules;
 };

@@ -2,16 +2,25 @@
 
 #include "core/SimEthernetFace.h"
 #include "core/SimSerialFace.h"
+#include "core/SimWirelessFace.h"
 
 namespace kavrosim {
 
 SimSession::SimSession(const SimScenario& scenario) {
     for (const SimScenarioController& entry : scenario.controllers) {
+        // USB controllers live in the application's process, behind the
+        // stand-in D2XX library.
+        if (entry.face == SimFaceKind::Usb) {
+            ++usbControllers_;
+            continue;
+        }
         auto controller = std::make_unique<SimController>(entry.config);
         for (const SimModule& module : entry.modules) controller->addModule(module);
         std::unique_ptr<SimFace> face;
         if (entry.face == SimFaceKind::Ethernet) {
             face = std::make_unique<SimEthernetFace>(*controller, entry.address);
+        } else if (entry.face == SimFaceKind::Wireless) {
+            face = std::make_unique<SimWirelessFace>(*controller, entry.address, entry.port);
         } else {
             face = std::make_unique<SimSerialFace>(*controller, entry.link);
         }

@@ -15,7 +15,9 @@ namespace kavrosim {
 
 class SimSession {
 public:
-    // Builds the controllers and their faces; nothing listens yet.
+    // Builds the controllers and their faces; nothing listens yet. USB
+    // controllers are left out: the stand-in D2XX library serves them in the
+    // process that loads it.
     explicit SimSession(const SimScenario& scenario);
     ~SimSession();
     SimSession(const SimSession&) = delete;
@@ -27,6 +29,7 @@ public:
     void stop();
 
     std::size_t size() const { return controllers_.size(); }
+    std::size_t usbControllersLeftOut() const { return usbControllers_; }
     SimController& controller(std::size_t index) { return *controllers_.at(index); }
     SimFace& face(std::size_t index) { return *faces_.at(index); }
 
@@ -36,6 +39,7 @@ public:
 private:
     std::vector<std::unique_ptr<SimController>> controllers_;
     std::vector<std::unique_ptr<SimFace>> faces_;
+    std::size_t usbControllers_ = 0;
 };
 
 }  // namespace kavrosim

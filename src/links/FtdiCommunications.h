@@ -28,6 +28,9 @@ std::string GetModuleTypeController(void* handle);
 FT_STATUS SetupSPI(void* handle, NetworkConfiguration* config);
 void UpdateCapabilitiesUSBIM(NetworkConfiguration* config);
 
+// Fills the link table with the USB link's functions.
+void fillUsbLinkTable(NetworkConfiguration* config);
+
 // Waits (in short steps) until the device's transmit queue is empty.
 void WaitForEmptyTransmitQueue(void* handle, long stepMilliseconds);
 

@@ -7,11 +7,13 @@
 #include "NetworkDifference.h"
 #include "links/NetworkConfiguration.h"
 #include "network/InitNetwork.h"
+#include "network/NotificationGate.h"
 
 namespace KavroLibrary {
 
 KavroNetwork::KavroNetwork(int networkNumber, std::string networkName)
-    : config_(std::make_unique<NetworkConfiguration>(networkNumber, std::move(networkName))) {
+    : config_(std::make_unique<NetworkConfiguration>(networkNumber, std::move(networkName))),
+      notificationGate_(std::make_shared<NotificationGate>()) {
     config_->InitNetworkHook = InitNetwork;
     config_->ResetAllSpeedsHook = ResetAllSpeeds;
     buffered_ = std::make_unique<NetworkBuffered>(this);
@@ -21,6 +23,8 @@ KavroNetwork::KavroNetwork(int networkNumber, std::string networkName)
 }
 
 KavroNetwork::~KavroNetwork() {
+    // The notification thread works on this network until it has ended.
+    CancelNotifying();
     ClearModules();
     retiredModules_.clear();
     buffered_.reset();
@@ -32,6 +36,8 @@ KavroNetwork::~KavroNetwork() {
 void KavroNetwork::Connect() {}
 
 void KavroNetwork::Disconnect() {
+    // A running notification ends first: its thread still uses the link.
+    CancelNotifying();
     if (config_->Connected) ClearModules();
     config_->Connected = false;
 }
@@ -45,15 +51,29 @@ bool KavroNetwork::IsConnected() const { return config_->Connected; }
 eNetSpeed KavroNetwork::NetSpeed() const { return config_->NetSpeed; }
 int KavroNetwork::MaximumAllowableNumberOfModules() const { return config_->MaxModules; }
 
-int KavroNetwork::ModuleCount() const { return static_cast<int>(config_->Modules.size()); }
+std::vector<KavroModule*> KavroNetwork::moduleSnapshot() const {
+    std::lock_guard<std::mutex> guard(modulesLock_);
+    return config_->Modules;
+}
+
+void KavroNetwork::publishModule(KavroModule* module) {
+    std::lock_guard<std::mutex> guard(modulesLock_);
+    config_->Modules.push_back(module);
+}
+
+int KavroNetwork::ModuleCount() const {
+    std::lock_guard<std::mutex> guard(modulesLock_);
+    return static_cast<int>(config_->Modules.size());
+}
 
 KavroModule* KavroNetwork::GetModule(unsigned int index) const {
+    std::lock_guard<std::mutex> guard(modulesLock_);
     if (index >= config_->Modules.size()) return nullptr;
     return config_->Modules[index];
 }
 
 KavroModule* KavroNetwork::GetModuleByID(std::string id) const {
-    for (KavroModule* module : config_->Modules) {
+    for (KavroModule* module : moduleSnapshot()) {
         if (module->ModuleID() == id) return module;
     }
     return nullptr;
@@ -66,7 +86,7 @@ int KavroNetwork::GetModuleIndexByID(std::string id) const {
 
 bool KavroNetwork::DynamicCapable() {
     if (!config_->DynamicFlag) return false;
-    for (const KavroModule* module : config_->Modules) {
+    for (const KavroModule* module : moduleSnapshot()) {
         if (!module->DynamicCapable()) return false;
     }
     return true;
@@ -74,7 +94,7 @@ bool KavroNetwork::DynamicCapable() {
 
 bool KavroNetwork::Dynamic2Capable() {
     if (!config_->Dynamic2Flag) return false;
-    for (const KavroModule* module : config_->Modules) {
+    for (const KavroModule* module : moduleSnapshot()) {
         if (!module->Dynamic2Capable()) return false;
     }
     return true;
@@ -85,8 +105,9 @@ bool KavroNetwork::DynamicExternalSourceCapable() { return config_->DynamicExter
 bool KavroNetwork::BufferedExternalSourceCapable() const { return config_->BufferedExternalSourceFlag; }
 
 bool KavroNetwork::BufferedCapable() const {
-    if (config_->Modules.empty()) return true;
-    for (const KavroModule* module : config_->Modules) {
+    const std::vector<KavroModule*> modules = moduleSnapshot();
+    if (modules.empty()) return true;
+    for (const KavroModule* module : modules) {
         if (module->BufferedCapable()) return true;
     }
     return false;
@@ -95,7 +116,7 @@ bool KavroNetwork::BufferedCapable() const {
 int KavroNetwork::ReadBurstCapableCount() const {
     if (!config_->ReadburstFlag) return 0;
     int count = 0;
-    for (const KavroModule* module : config_->Modules) {
+    for (const KavroModule* module : moduleSnapshot()) {
         if (!module->ReadburstCapable()) break;
         ++count;
     }
@@ -104,7 +125,7 @@ int KavroNetwork::ReadBurstCapableCount() const {
 
 bool KavroNetwork::ReadBurstCapable() const {
     if (!config_->ReadburstFlag) return false;
-    if (config_->Modules.empty()) return true;
+    if (ModuleCount() == 0) return true;
     return ReadBurstCapableCount() > 0;
 }
 

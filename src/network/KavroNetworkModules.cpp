@@ -51,7 +51,7 @@ eKavroErrors KavroNetwork::AddModuleInternal(std::string id, std::string name) {
     if (auto* probe = dynamic_cast<KavroModuleDP*>(module.get())) probe->readDefaultAveraging();
     if (auto* airGauge = dynamic_cast<KavroModuleAGM*>(module.get())) agm_init(airGauge);
 
-    config_->Modules.push_back(module.release());
+    publishModule(module.release());
     return eKavroErrors::NoError;
 }
 
@@ -72,7 +72,10 @@ void KavroNetwork::DeleteModule(int index) {
         module->setAddress(newAddress);
     }
     KavroModule* removed = modules[static_cast<std::size_t>(index)];
-    modules.erase(modules.begin() + index);
+    {
+        std::lock_guard<std::mutex> guard(modulesLock_);
+        modules.erase(modules.begin() + index);
+    }
     retireModule(removed);
 }
 
@@ -85,7 +88,11 @@ void KavroNetwork::ClearModules() {
     if (config_->ActiveOperation != OperationIdle) {
         throw std::runtime_error("Cannot clear modules whilst performing an Kavro operation.");
     }
-    std::vector<KavroModule*>& modules = config_->Modules;
+    std::vector<KavroModule*> modules;
+    {
+        std::lock_guard<std::mutex> guard(modulesLock_);
+        modules.swap(config_->Modules);
+    }
     while (!modules.empty()) {
         delete modules.back();
         modules.pop_back();

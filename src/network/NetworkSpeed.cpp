@@ -26,10 +26,11 @@ eSetModeMode speedMode(eNetSpeed speed) {
 
 std::vector<eNetSpeed> KavroNetwork::AvailableSpeeds() const {
     std::vector<eNetSpeed> speeds;
+    const std::vector<KavroModule*> modules = moduleSnapshot();
     for (eNetSpeed speed : config_->ControllerSpeeds) {
-        const bool everyModule =
-            std::all_of(config_->Modules.begin(), config_->Modules.end(),
-                        [speed](const KavroModule* module) { return module->SpeedAvailable(speed); });
+        const bool everyModule = std::all_of(modules.begin(), modules.end(), [speed](const KavroModule* module) {
+            return module->SpeedAvailable(speed);
+        });
         if (everyModule) speeds.push_back(speed);
     }
     return speeds;

@@ -1,0 +1,40 @@
+// The collection of every network the library knows: those listed in the
+// controller configuration files, then the USB interface modules found.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KavroLibrary {
+
+class KavroNetwork;
+class FTDICommunications;
+
+class KavroNetworks {
+public:
+    KavroNetworks();
+    ~KavroNetworks();
+    KavroNetworks(const KavroNetworks&) = delete;
+    KavroNetworks& operator=(const KavroNetworks&) = delete;
+
+    // Rebuilds the list: configuration-file networks first, then USB. Earlier
+    // KavroNetwork pointers become invalid. Throws std::logic_error when HOME
+    // is not set.
+    void FindNetworks();
+
+    unsigned int Count() const;
+    // Throws std::runtime_error("Network at index does not exist.") past the end.
+    KavroNetwork* Network(unsigned int index) const;
+
+    void ConnectAll();
+    void DisconnectAll();
+
+private:
+    void clear();
+
+    std::unique_ptr<FTDICommunications> ftdi_;
+    std::vector<KavroNetwork*> networks_;
+};
+
+}  // namespace KavroLibrary

@@ -1,0 +1,180 @@
+// USB interface modules through the library's own dlopen of libftd2xx.so,
+// which finds the stand-in: enumeration, connecting, capabilities, modules
+// and readings end to end.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "ConfigurationHome.h"
+#include "KavroException.h"
+#include "KavroNetworkUSBIM.h"
+#include "KavroNetworks.h"
+#include "KavroServer.h"
+#include "NetworkTestSupport.h"
+#include "UsbStandIn.h"
+#include "core/SimFault.h"
+#include "links/FtdiCommunications.h"
+#include "links/NetworkConfiguration.h"
+
+using namespace KavroLibrary;
+using kavrosim::SimFault;
+using kavrosim::SimRequestKind;
+using kavrosim::SimSpeed;
+
+namespace {
+
+// Networks found by enumeration, destroyed with the list.
+struct Found {
+    std::vector<KavroNetwork*> networks;
+    ~Found() {
+        for (KavroNetwork* network : networks) delete network;
+    }
+    NetworkConfiguration* config(std::size_t i) const { return networks.at(i)->Configuration(); }
+};
+
+// The device-list flags of the stand-in's device `index`.
+kavrosim::DWORD listedFlags(const UsbStandIn& standIn, kavrosim::DWORD index) {
+    kavrosim::DWORD count = 0, flags = 99, type = 0, id = 0, location = 0;
+    char serial[16], description[64];
+    kavrosim::FT_HANDLE handle = nullptr;
+    standIn.d2xx().createDeviceInfoList(&count);
+    standIn.d2xx().getDeviceInfoDetail(index, &flags, &type, &id, &location, serial, description, &handle);
+    return flags;
+}
+
+}  // namespace
+
+TEST(UsbEnumeration, OnlyFreeChannelAOfAnInterfaceModuleAnsweringUsb2) {
+    UsbStandIn standIn(
+        "controller usb\n"                                                          // 0 A, 1 B
+        "controller usb channel-a=\"Pellaquin USBIM B\" channel-b=none\n"           // 2: wired channel says B
+        "controller usb flags=1 channel-b=none\n"                                   // 3: open elsewhere
+        "controller usb type=ETHI channel-b=none\n"                                 // 4: not a USB2 controller
+        "controller usb chip=5 channel-b=none\n"                                    // 5: another chip
+        "controller usb channel-a=\"Pellaquin USB A\" channel-b=none\n"             // 6: another product
+        "controller usb channel-a=\"Pellaquin USBIM 2 A  \" identity=USBSIM0007\n"  // 7 A, 8 B
+    );
+    Found found;
+    FTDICommunications().FindDevices(found.networks);
+
+    ASSERT_EQ(2u, found.networks.size());
+    EXPECT_EQ(0, found.config(0)->DeviceIndex);
+    EXPECT_EQ(7, found.config(1)->DeviceIndex);
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(static_cast<int>(i), found.config(i)->NetworkNumber);
+        EXPECT_EQ("USBIM (Unknown)", found.config(i)->ControllerName);
+        EXPECT_EQ(eNetworkType::USBIM_Mk2, found.networks[i]->NetworkType());
+        EXPECT_EQ("", found.networks[i]->NetworkName());
+        EXPECT_FALSE(found.networks[i]->IsConnected());
+    }
+    // The one that answered another type was asked, then let go like the rest.
+    EXPECT_EQ(SimRequestKind::GetInfo, standIn.controller(3).requestLog().at(0).kind);
+    EXPECT_EQ(0u, standIn.controller(2).requestCount());
+    for (kavrosim::DWORD i = 0; i < 9; ++i) EXPECT_EQ(i == 3 ? 1u : 0u, listedFlags(standIn, i)) << "device " << i;
+
+    // Appended behind what the list already holds, numbered by position.
+    Found more;
+    more.networks.push_back(new KavroNetwork(0, "first"));
+    FTDICommunications().FindDevices(more.networks);
+    ASSERT_EQ(3u, more.networks.size());
+    EXPECT_EQ(1, more.config(1)->NetworkNumber);
+    EXPECT_EQ(2, more.config(2)->NetworkNumber);
+}
+
+TEST(UsbNetwork, ConnectAddModulesReadAndChangeSpeed) {
+    UsbStandIn standIn(
+        "controller usb identity=USBSIM0001 firmware=150\n"
+        "module probe GP02000001 range=2 signal=constant:1\n"
+        "module probe GP05000002 range=5 signal=constant:2.5\n"
+        "module dio2 DO00000003 signal=constant:5\n");
+    ConfigurationHome home;  // no configuration files: USB only
+    KavroServer server;
+    server.Networks()->FindNetworks();
+    ASSERT_EQ(1u, server.Networks()->Count());
+    KavroNetwork* network = server.Networks()->Network(0);
+    kavrosim::SimController& controller = standIn.controller(0);
+
+    server.Networks()->ConnectAll();
+    ASSERT_TRUE(network->IsConnected());
+    EXPECT_EQ("USBIM (USBSIM0001)", network->Description());
+    EXPECT_EQ("USBIM (USBSIM0001)", network->Configuration()->ControllerName);
+    EXPECT_EQ(32, network->MaximumAllowableNumberOfModules());
+    EXPECT_EQ(kavrosim::kFtFlagOpened, listedFlags(standIn, 0));
+    EXPECT_EQ(SimSpeed::Low, controller.busSpeed());
+    NetworkConfiguration* config = network->Configuration();
+    EXPECT_TRUE(config->ReadburstFlag && config->BufferedExternalSourceFlag && config->DynamicFlag &&
+                config->Dynamic2Flag);
+    EXPECT_FALSE(config->DynamicExternalSourceFlag);
+
+    network->AddModule("GP02000001", "Left");
+    network->AddModule("GP05000002", "Right");
+    network->AddModule("DO00000003", "Gate");
+    ASSERT_EQ(3, network->ModuleCount());
+    EXPECT_EQ(8192, network->GetModule(0)->ReadingInCounts());
+    EXPECT_NEAR(2.5, network->GetModule(1)->ReadingInUnits(), 1e-3);
+    EXPECT_EQ(5, network->GetModule(2)->ReadingInCounts());
+    EXPECT_EQ("GP05000002", network->GetModule(1)->ModuleID());
+    EXPECT_EQ(2, controller.module("GP05000002")->address());
+
+    EXPECT_EQ((std::vector<eNetSpeed>{eNetSpeed::Low, eNetSpeed::High, eNetSpeed::UltraHigh}),
+              network->AvailableSpeeds());
+    network->setNetSpeed(eNetSpeed::UltraHigh);
+    EXPECT_EQ(SimSpeed::UltraHigh, controller.busSpeed());
+    EXPECT_NEAR(1.0, network->GetModule(0)->ReadingInUnits(), 1e-9);
+
+    // A lost reply is a time-out of the read; the link carries on.
+    standIn.limitReadWait(std::chrono::milliseconds(100));
+    controller.injectFault(SimFault::dropReply().only('L'));
+    try {
+        network->GetModule(0)->ReadingInCounts();
+        ADD_FAILURE() << "a lost reply must not read as a value";
+    } catch (const KavroException& error) {
+        EXPECT_EQ(255, error.ErrorCode);
+    }
+    EXPECT_NEAR(1.0, network->GetModule(0)->ReadingInUnits(), 1e-9);
+
+    // Connecting again starts from a closed channel and an empty bus.
+    network->Connect();
+    ASSERT_TRUE(network->IsConnected());
+    EXPECT_EQ(0, network->ModuleCount());
+    server.Networks()->DisconnectAll();
+    EXPECT_FALSE(network->IsConnected());
+    EXPECT_EQ(0u, listedFlags(standIn, 0));
+}
+
+TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
+    UsbStandIn standIn(
+        "controller usb identity=USBSIM0149 firmware=149 channel-b=none\n"
+        "module probe GP02000001 range=2 signal=constant:1\n");
+    kavrosim::SimController& controller = standIn.controller(0);
+    auto owned = std::make_unique<KavroNetworkUSBIM>(0, 0);
+    KavroNetworkUSBIM& network = *owned;
+
+    // A controller that does not answer its identify is not connected, and
+    // its channel is free for the next attempt.
+    standIn.limitReadWait(std::chrono::milliseconds(100));
+    controller.injectFault(SimFault::dropReply().on(SimRequestKind::Identify));
+    {
+        CerrCapture quiet;
+        network.Connect();
+    }
+    EXPECT_FALSE(network.IsConnected());
+    EXPECT_EQ(0u, listedFlags(standIn, 0));
+
+    network.Connect();
+    ASSERT_TRUE(network.IsConnected());
+    NetworkConfiguration* config = network.Configuration();
+    EXPECT_TRUE(config->ControllerFlag0);
+    EXPECT_FALSE(config->BufferedExternalSourceFlag || config->ReadburstFlag || config->DynamicFlag ||
+                 config->Dynamic2Flag || config->DynamicExternalSourceFlag || config->ControllerFlag6);
+    EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, config->ControllerSpeeds);
+    network.AddModule("GP02000001", "");
+    EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, network.AvailableSpeeds());
+    EXPECT_THROW(network.setNetSpeed(eNetSpeed::High), std::runtime_error);
+    EXPECT_NEAR(1.0, network.GetModule(0)->ReadingInUnits(), 1e-9);
+
+    // Destroyed while connected: the bus is reset before the channel closes.
+    owned.reset();
+    EXPECT_EQ(0, controller.module("GP02000001")->address());
+    EXPECT_EQ(0u, listedFlags(standIn, 0));
+}
