@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "KavroDynamic.h"
 #include "KavroModuleDP.h"
 #include "KavroModuleEIM.h"
 #include "KavroNetwork.h"
@@ -288,6 +289,7 @@ TEST(BufferedMode, RefusalsChangeNothingAndSendNothing) {
               messageOf([&] { bus.Difference()->Start(); }));
     EXPECT_EQ("Cannot change module enable state during an kavro operation",
               messageOf([&] { rig.module(1)->Difference()->setEnabled(true); }));
+    EXPECT_EQ("Cannot prepare dynamic whilst the network is busy.\n", messageOf([&] { bus.Dynamic()->Prepare(); }));
     EXPECT_EQ("Cannot change OTUs whilst the network is busy", messageOf([&] { first->Buffered()->setOTUs(80); }));
     EXPECT_EQ("Cannot change TxSample whilst the network is busy", messageOf([&] { io->Buffered()->setTxSample(4); }));
     EXPECT_EQ("Cannot change network speed whilst performing an Kavro operation.",
