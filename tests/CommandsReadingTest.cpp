@@ -43,6 +43,7 @@ TEST(CommandsReading, SingleAndDifferenceReadsTakeLittleEndianValues) {
     EXPECT_EQ(0x8000, one.First);
     EXPECT_EQ(0xFFFF, one.Second);
     EXPECT_EQ(0u, one.Zero);
+    EXPECT_EQ(0x44332211u, one.SumLow);
     EXPECT_EQ(0x05, one.ByteValue);
     EXPECT_EQ(0x030201u, one.Count24);
 

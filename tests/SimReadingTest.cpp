@@ -277,5 +277,5 @@ TEST(SimReading, ConfigurationMemoryStatusAndUnknownCommands) {
 
     EXPECT_EQ((Bytes{'!', 0x03}), c.command(addressed('Z', 1), 2).data);
     c.send(Bytes{0x0E, 2, 'Q', 1});
-    EXPECT_EQ((Bytes{'!', 0x03}), c.readReply().data) << "buffered read-out is not simulated";
+    EXPECT_EQ((Bytes{'!', 0x17}), c.readReply().data) << "no buffered run to read out";
 }

@@ -52,7 +52,7 @@ controller ethernet auto identity=ETHBENCH01 type=ETH2 firmware=152 description=
   module probe GP00000001 range=5 resolution=16 averaging=32 generation=2 signal=sine:2.5,1,3   # trailing comment
   module encoder LE00000002 cpu=500 range=100 format=old address=3 speed=high announce=yes
   module analogue DA00000003 part=630123 signal=constant:20
-  module diom DI00000004 model=IO8 part=P123456B
+  module diom DI00000004 model=IO8 part=P123456B rate=250 buffer=64
 controller serial link=/tmp/kavro-test-line
   module encoder-input DE00000005 cpu=36 firmware=99
 )");
@@ -79,6 +79,8 @@ controller serial link=/tmp/kavro-test-line
     EXPECT_EQ(20000.0, encoder.scale().countsPerUnit) << "the old scheme fixes the encoder's scale";
     EXPECT_EQ("P630123A", first.modules[2].partNumber());
     EXPECT_EQ("IO8 ", first.modules[3].model());
+    EXPECT_EQ(250.0, first.modules[3].difference().sampleRate());
+    EXPECT_EQ(64u, first.modules[3].buffered().capacity());
     EXPECT_EQ("/tmp/kavro-test-line", scenario.controllers[1].link);
     EXPECT_EQ(1, scenario.controllers[1].modules[0].generation());
 }
@@ -107,6 +109,8 @@ TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
         {controller + "module probe GP00000001 range=2.5 format=old\n", "whole millimetres"},
         {controller + "module analogue DA00000001 part=630199\n", "part number '630199'"},
         {controller + "module dio2 DO00000001 cpu=3\n", "only encoders take cpu"},
+        {controller + "module probe GP00000001 range=2 rate=0\n", "sample rate must be from 1"},
+        {controller + "module probe GP00000001 range=2 buffer=0\n", "buffer '0' must be"},
         {controller + "module dio2 DO00000001 description=\"open\n", "a quote is not closed"},
         {controller + "module dio2 DO00000001\nmodule diom DO00000001\n",
          "test.scn:3: the identity DO00000001 is already used on line 2"},

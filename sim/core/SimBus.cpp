@@ -91,6 +91,8 @@ SimBusReply SimBus::carry(int type, const Bytes& command, SimSpeed speed, Clock:
 }
 
 SimBusReply SimBus::dispatch(const Bytes& command, SimSpeed speed, Clock::time_point now) {
+    // Buffering goes on between commands; settle it before this one acts.
+    SimBuffered::advance(modules_, now);
     const std::uint8_t code = command[0];
     const int second = command.size() > 1 ? command[1] : 0;
     switch (code) {
@@ -103,12 +105,20 @@ SimBusReply SimBus::dispatch(const Bytes& command, SimSpeed speed, Clock::time_p
         case 'W': {
             const int action = command.size() > 2 ? command[2] : -1;
             for (SimModule& module : modules_) {
-                if (module.hears(speed)) module.control(action);
+                if (module.hears(speed)) module.control(action, now);
             }
             return {};
         }
         case 'O':
         case 'H':
+            for (SimModule& module : modules_) {
+                if (!module.hears(speed)) continue;
+                if (code == 'O') {
+                    module.startDifference(now);
+                } else {
+                    module.stopDifference(now);
+                }
+            }
             return {};
         case 'S':
             for (SimModule& module : modules_) {

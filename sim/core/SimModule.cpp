@@ -292,6 +292,11 @@ long long SimModule::rawCounts(double value) const {
     return result;
 }
 
+long long SimModule::fullScaleCounts() const {
+    const SimScale s = scale();
+    return s.bounded ? rawCounts(s.high) : 0;
+}
+
 SimReading SimModule::read(Clock::time_point now) {
     SimReading reading;
     reading.value = signal_.valueAt(now);
@@ -344,7 +349,15 @@ Bytes SimModule::execute(const Bytes& command, Clock::time_point now) {
             return Bytes{'U', static_cast<std::uint8_t>(reversed_ ? 1 : 0)};
         case 'V':
             if (command.size() < 6) return refuse(kFramingError);
-            return setMode(getLe16(command, 2), getLe16(command, 4));
+            return setMode(getLe16(command, 2), getLe16(command, 4), now);
+        case 'F':
+            return difference_.enable(*this);
+        case 'D':
+            return difference_.readWords(*this, now);
+        case 'X':
+            return difference_.readFull(*this, now);
+        case 'Q':
+            return buffered_.readOut(*this, now);
         case 'c':
             return configRead(command);
         case 'b':
@@ -353,6 +366,7 @@ Bytes SimModule::execute(const Bytes& command, Clock::time_point now) {
             return readMemory(command);
         case '1':
         case 'L': {
+            if (auto refused = difference_.ordinaryRead()) return *refused;
             const SimReading reading = read(now);
             if (reading.range == SimReading::Range::Under) return refuse(kUnderRange);
             if (reading.range == SimReading::Range::Over) return refuse(kOverRange);
@@ -369,7 +383,8 @@ Bytes SimModule::execute(const Bytes& command, Clock::time_point now) {
     }
 }
 
-Bytes SimModule::setMode(unsigned mode, unsigned argument) {
+Bytes SimModule::setMode(unsigned mode, unsigned argument, Clock::time_point now) {
+    if (auto reply = buffered_.setMode(*this, mode, argument, now)) return *reply;
     if (auto speed = speedFromModeNumber(static_cast<int>(mode))) {
         const auto supported = speeds();
         if (std::find(supported.begin(), supported.end(), *speed) == supported.end()) return refuse(kModeNotValid);
@@ -385,7 +400,7 @@ Bytes SimModule::setMode(unsigned mode, unsigned argument) {
         if (argument != 14 && argument != 16 && argument != 18) return refuse(kResolutionNotValid);
         resolutionBits_ = static_cast<int>(argument);
     }
-    // Every other mode (normal, buffered, dynamic, master) is accepted.
+    // Every other mode (dynamic) is accepted.
     return Bytes{'V', 0};
 }
 
@@ -438,11 +453,18 @@ void SimModule::reset() {
     address_ = 0;
     speed_ = SimSpeed::Low;
     pendingSpeed_ = SimSpeed::Low;
+    difference_.reset();
+    buffered_.reset();
 }
 
-void SimModule::control(int action) {
+void SimModule::control(int action, Clock::time_point now) {
     if (action == 10) speed_ = pendingSpeed_;
+    buffered_.control(*this, action, now);
 }
+
+void SimModule::startDifference(Clock::time_point now) { difference_.start(now); }
+
+void SimModule::stopDifference(Clock::time_point now) { difference_.stop(*this, now); }
 
 int SimModule::pingSlot() const {
     unsigned sum = 0;

@@ -13,7 +13,9 @@
 #include <string>
 #include <vector>
 
+#include "core/SimBuffered.h"
 #include "core/SimBytes.h"
+#include "core/SimDifference.h"
 #include "core/SimModuleKind.h"
 #include "core/SimSignal.h"
 #include "core/SimSpeed.h"
@@ -107,10 +109,17 @@ public:
     // Configuration memory: a byte block per location (second word 0).
     void setConfig(unsigned location, const Bytes& data);
     std::optional<Bytes> config(unsigned location) const;
+    // Difference and buffered modes, with their knobs (sample rate, buffer size).
+    SimDifference& difference() { return difference_; }
+    const SimDifference& difference() const { return difference_; }
+    SimBuffered& buffered() { return buffered_; }
+    const SimBuffered& buffered() const { return buffered_; }
 
     // --- How it answers.
     bool hears(SimSpeed busSpeed) const { return speed_ == busSpeed; }
     SimReading read(Clock::time_point now);
+    // The count at the top of a bounded module's range.
+    long long fullScaleCounts() const;
     // The reply to a command addressed to this module (command code, address,
     // payload). Set-address, notify, ping and the broadcasts go through the
     // functions below instead.
@@ -119,8 +128,12 @@ public:
     bool takeAddress(const Bytes& command);
     // Reset and clear-TCON: unaddressed, back to speed Low.
     void reset();
-    // A broadcast control action; 10 applies the pending speed.
-    void control(int action);
+    // A broadcast control action; 10 applies the pending speed, 0 to 3 steer
+    // buffered mode.
+    void control(int action, Clock::time_point now);
+    // The broadcast difference start "O" and stop "H".
+    void startDifference(Clock::time_point now);
+    void stopDifference(Clock::time_point now);
     int pingSlot() const;
     Bytes pingReply() const;
     // Four bytes of a read burst: 23-bit reading and a status byte.
@@ -134,7 +147,7 @@ private:
     SimModule(SimKind kind, const std::string& identity);
 
     Bytes infoReply() const;
-    Bytes setMode(unsigned mode, unsigned argument);
+    Bytes setMode(unsigned mode, unsigned argument, Clock::time_point now);
     Bytes configRead(const Bytes& command) const;
     Bytes configWrite(const Bytes& command);
     Bytes readMemory(const Bytes& command) const;
@@ -164,6 +177,8 @@ private:
     std::uint8_t statusError_ = 0;
     std::uint16_t statusWord_ = 0;
     std::map<unsigned, Bytes> config_;
+    SimDifference difference_;
+    SimBuffered buffered_;
 };
 
 }  // namespace kavrosim

@@ -313,6 +313,10 @@ SimModule parseModule(const LineReader& reader, const std::vector<Word>& words) 
             module.setSpeed(*speed);
         }
         if (settings.has("signal")) module.setSignal(SimSignal::parse(settings.take("signal")));
+        if (settings.has("rate")) module.difference().setSampleRate(settings.number("rate"));
+        if (settings.has("buffer")) {
+            module.buffered().setCapacity(static_cast<std::size_t>(settings.whole("buffer", 1, 1000000)));
+        }
         if (settings.has("announce")) {
             const std::string on = settings.take("announce");
             if (on != "yes" && on != "no") reader.fail("announce must be yes or no");
@@ -394,6 +398,7 @@ std::string scenarioFormatHelp() {
       generation=0..3 firmware=N format=old|new part=P541000A model=DP
       range=MM (probe, encoder stroke) cpu=COUNTS (encoders) resolution=14|16|18
       averaging=1..256 address=N speed=low|high|ultrahigh announce=yes|no
+      rate=HZ (difference samples a second, 1000) buffer=N (buffered readings held, 8000)
       signal=constant:V | ramp:FROM,TO,SECONDS | sine:MEAN,AMPLITUDE,SECONDS
              | noise:MEAN,AMPLITUDE,SEED          (values in the module's units)
 )";

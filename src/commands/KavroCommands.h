@@ -133,9 +133,10 @@ struct KavroReadDiff1Result {
     std::uint32_t ModuleError = 255;
     std::uint16_t First = 0;     // reply bytes 1-2
     std::uint16_t Second = 0;    // 3-4
-    std::uint32_t Zero = 0;      // always 0 (bytes 5-8 are not taken)
-    unsigned char ByteValue = 0;  // byte 9
+    std::uint32_t Zero = 0;      // always 0, kept where older callers look
+    unsigned char ByteValue = 0;  // byte 9: bits 32-39 of the sum
     std::uint32_t Count24 = 0;   // bytes 10-12
+    std::uint32_t SumLow = 0;    // bytes 5-8: bits 0-31 of the sum
 };
 
 struct KavroReadDiff2Result {

@@ -38,6 +38,7 @@ KavroReadDiff1Result KavroCommands::KavroReadDiff1(NetworkConfiguration* config,
     if (result.ModuleError != 0) return result;
     result.First = reply.le16(1);
     result.Second = reply.le16(3);
+    result.SumLow = reply.le32(5);
     result.ByteValue = reply.at(9);
     result.Count24 = reply.le32(10) & 0xFFFFFFu;
     return result;

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "KavroModule.h"
+#include "commands/KavroCommands.h"
 #include "links/NetworkConfiguration.h"
 #include "readings/KavroReadType.h"
 
@@ -65,6 +66,17 @@ void ModuleBuffered::setReadingInterval(int microseconds) {
         throw std::runtime_error("Error setting OTUs");
     }
     readingIntervalErrorUs_ = microseconds - ReadingInterval();
+}
+
+void ModuleBuffered::setTxSample(short value) {
+    NetworkConfiguration* config = module_->Configuration();
+    if (config->ActiveOperation != OperationIdle) {
+        throw std::runtime_error("Cannot change TxSample whilst the network is busy");
+    }
+    const KavroValueResult reply =
+        KavroCommands::KavroSetMode(config, module_->Address(), eSetModeMode::TxSample, value);
+    if (reply.LinkStatus != 0) throw std::runtime_error("Unable To Set TxSample Value.");
+    txSample_ = value;
 }
 
 sReadingItem ModuleBuffered::GetBufferedItem(int index) const {
