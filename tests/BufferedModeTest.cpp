@@ -306,3 +306,16 @@ TEST(BufferedMode, RefusalsChangeNothingAndSendNothing) {
     EXPECT_EQ("No module at the buffered master index", messageOf([&] { buffered->Start(); }));
     EXPECT_EQ(OperationIdle, rig.operation());
 }
+
+TEST(BufferedMode, AModuleThatOnlyReportsOverflowCannotHangTheStop) {
+    loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
+    ModeTestRig rig({modeProbe("GPSTUCK001", 2, 3, SimSignal::constant(1.0))});
+    rig.module(0)->Buffered()->setMode(eBufferedMode::Sync);
+    rig.module(0)->Buffered()->setEnabled(true);
+    NetworkBuffered* buffered = rig.network->Buffered();
+    buffered->Start();
+    rig.controller.injectFault(SimFault::errorReply(0x16, 1000).only('Q'));
+    EXPECT_EQ("Read Buffered Error: " + GetErrorDescriptionInternal(0x2116) + "\n",
+              messageOf([&] { buffered->Stop(); }));
+    EXPECT_EQ(OperationIdle, rig.operation());
+}

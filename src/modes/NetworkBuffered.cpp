@@ -174,6 +174,16 @@ void NetworkBuffered::Sample() {
     KavroCommands::KavroControl(network_->Configuration(), eKavroControlAction::SampleTrigger);
 }
 
+namespace {
+
+// Bounds that keep a misbehaving module from hanging the read-out: no module
+// buffers anywhere near this many readings, and a real one reports its
+// overflow once before handing out what it kept.
+constexpr std::size_t kMostBufferedWords = 16u * 1024u * 1024u;
+constexpr int kMostOverflowReports = 16;
+
+}  // namespace
+
 std::string NetworkBuffered::StoppedReadModule(KavroModule* module) {
     ModuleBuffered* buffered = module->Buffered();
     buffered->status_ = eBufferedModeStatus::Finished;
@@ -181,16 +191,25 @@ std::string NetworkBuffered::StoppedReadModule(KavroModule* module) {
 
     NetworkConfiguration* config = network_->Configuration();
     bool timedOutBefore = false;
+    int overflowReports = 0;
     while (true) {
         const KavroReadBufferedResult reply = KavroCommands::KavroReadBuffered1(config, module->Address());
         const std::uint32_t code = reply.ErrorCode();
         if (code == 0) {
             if (reply.Words.empty()) return "";
+            if (buffered->data_.size() + reply.Words.size() > kMostBufferedWords) {
+                return "Read Buffered Error: " + module->ModuleID() + " hands out more readings than a module holds\n";
+            }
             buffered->data_.insert(buffered->data_.end(), reply.Words.begin(), reply.Words.end());
+            overflowReports = 0;
         } else if (code == kEmptyAndStopped) {
             return "";
         } else if (code == kBufferFull) {
-            // The module says it overflowed, then hands out what it kept.
+            // The module says it overflowed, then hands out what it kept. One
+            // that says nothing else is broken: stopping must not hang on it.
+            if (++overflowReports > kMostOverflowReports) {
+                return "Read Buffered Error: " + GetErrorDescriptionInternal(static_cast<int>(code)) + "\n";
+            }
         } else if (code == kTimeout) {
             if (timedOutBefore) return "Read Buffered Error: Timeout Reading Module " + module->ModuleID() + "\n";
             timedOutBefore = true;
