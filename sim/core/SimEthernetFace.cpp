@@ -1,78 +1,14 @@
 #include "core/SimEthernetFace.h"
 
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-#include <stdexcept>
-
 #include "core/SimLoopback.h"
-#include "core/SimStreamPump.h"
 
 namespace kavrosim {
 
 SimEthernetFace::SimEthernetFace(SimController& controller, std::string address)
-    : SimFace(controller), wanted_(std::move(address)) {}
+    : SimTcpFace(controller, std::move(address), kEthernetPort, SimStreamDialect::Ethernet) {}
 
 SimEthernetFace::~SimEthernetFace() { stop(); }
 
-int SimEthernetFace::port() const { return kEthernetPort; }
-
-std::string SimEthernetFace::describe() const { return "ethernet " + address_ + ":" + std::to_string(port()); }
-
-void SimEthernetFace::start() {
-    if (running()) return;
-    auto stop = std::make_unique<SimStopSignal>();
-    std::string address = wanted_;
-    int fd = -1;
-    if (address.empty()) {
-        fd = listenOnFreeLoopback(kEthernetPort, address);
-    } else {
-        fd = listenOn(address, kEthernetPort);
-        if (fd < 0 && errno == EINVAL) throw std::invalid_argument("'" + address + "' is not an IPv4 address");
-        if (fd < 0) {
-            throw std::runtime_error("cannot listen on " + address + ":" + std::to_string(kEthernetPort) + ": " +
-                                     std::strerror(errno));
-        }
-    }
-    listenFd_ = fd;
-    address_ = address;
-    stop_ = std::move(stop);
-    accepted_.store(0);
-    thread_ = std::thread(&SimEthernetFace::run, this);
-}
-
-void SimEthernetFace::stop() {
-    if (!running()) return;
-    stop_->raise();
-    thread_.join();
-    close(listenFd_);
-    listenFd_ = -1;
-    stop_.reset();
-}
-
-void SimEthernetFace::run() {
-    while (!stop_->raised()) {
-        pollfd watch[2] = {{listenFd_, POLLIN, 0}, {stop_->fd(), POLLIN, 0}};
-        if (poll(watch, 2, -1) < 0 && errno != EINTR) return;
-        if (stop_->raised()) return;
-        if ((watch[0].revents & POLLIN) == 0) continue;
-        const int client = accept4(listenFd_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (client < 0) continue;
-        // Answers are small and the host waits for each one.
-        const int on = 1;
-        setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        accepted_.fetch_add(1);
-        clientConnected_.store(true);
-        const SimPumpEnd end = pumpStream({client, true}, controller(), SimStreamDialect::Ethernet, *stop_);
-        close(client);
-        clientConnected_.store(false);
-        if (end == SimPumpEnd::Stopped) return;
-    }
-}
+std::string SimEthernetFace::describe() const { return "ethernet " + address() + ":" + std::to_string(port()); }
 
 }  // namespace kavrosim
