@@ -69,13 +69,13 @@ struct KavroIdentityResult {  // notify and get-probe-ID
 
 struct KavroIdentifyResult {
     std::uint32_t LinkStatus = 255;
-    unsigned char Echo = 0;       // first reply byte ('I', or '!' for a refusal); 0 when nothing came
-    char Identity[8] = {};        // reply bytes 1-8
-    char IdentitySuffix[2] = {};  // 9-10
-    char PartNumber[8] = {};      // 11-18
-    char Model[4] = {};           // 19-22
-    char Version[4] = {};         // 23-26
-    char VersionSuffix[1] = {};   // 27
+    unsigned char Echo = 0;            // first reply byte ('I', or '!' for a refusal); 0 when nothing came
+    char Identity[8] = {};             // reply bytes 1-8
+    char IdentitySuffix[2] = {};       // 9-10
+    char PartNumber[8] = {};           // 11-18
+    char Model[4] = {};                // 19-22
+    char Version[4] = {};              // 23-26
+    char VersionSuffix[1] = {};        // 27
     unsigned char ProbeRange[2] = {};  // 28-29, little-endian millimetres
     std::string IdentityText() const;
     std::string PartNumberText() const;
@@ -97,9 +97,9 @@ struct KavroGetInfoResult {
 
 struct KavroPingResult {
     std::uint32_t LinkStatus = 255;
-    char Identity[8] = {};          // reply bytes 1-8
+    char Identity[8] = {};             // reply bytes 1-8
     std::uint16_t IdentitySuffix = 0;  // 9-10, as they came (byte 9 first in memory)
-    std::uint16_t Checksum = 0;     // 11-12, high byte first
+    std::uint16_t Checksum = 0;        // 11-12, high byte first
     std::string IdentityText() const;
 };
 
@@ -131,12 +131,12 @@ struct KavroReadburstResult {
 struct KavroReadDiff1Result {
     std::uint32_t LinkStatus = 255;
     std::uint32_t ModuleError = 255;
-    std::uint16_t First = 0;     // reply bytes 1-2
-    std::uint16_t Second = 0;    // 3-4
-    std::uint32_t Zero = 0;      // always 0, kept where older callers look
+    std::uint16_t First = 0;      // reply bytes 1-2
+    std::uint16_t Second = 0;     // 3-4
+    std::uint32_t Zero = 0;       // always 0, kept where older callers look
     unsigned char ByteValue = 0;  // byte 9: bits 32-39 of the sum
-    std::uint32_t Count24 = 0;   // bytes 10-12
-    std::uint32_t SumLow = 0;    // bytes 5-8: bits 0-31 of the sum
+    std::uint32_t Count24 = 0;    // bytes 10-12
+    std::uint32_t SumLow = 0;     // bytes 5-8: bits 0-31 of the sum
 };
 
 struct KavroReadDiff2Result {
@@ -148,8 +148,8 @@ struct KavroReadDiff2Result {
 
 struct KavroRead3Result {
     std::uint32_t LinkStatus = 255;
-    std::uint16_t Count = 0;       // channel records in the reply
-    unsigned char Status = 0;      // the device's read status byte (0 good)
+    std::uint16_t Count = 0;   // channel records in the reply
+    unsigned char Status = 0;  // the device's read status byte (0 good)
     std::vector<sChannelReading> Readings;
     // 0, LinkStatus, 0x2100 | "!" error byte, or 0x2100 | read status byte.
     std::uint32_t ErrorCode = 255;
@@ -221,16 +221,15 @@ public:
     static void KavroStopDiff(NetworkConfiguration* config);
     static KavroReadDiff1Result KavroReadDiff1(NetworkConfiguration* config, int addr);
     static KavroReadDiff2Result KavroReadDiff2(NetworkConfiguration* config, int addr);
-    static KavroRead3Result KavroRead3(NetworkConfiguration* config, int addr, int deviceIndex,
-                                       eRead3_ControlCode code, int channelMask, eRead3_UOM uom);
+    static KavroRead3Result KavroRead3(NetworkConfiguration* config, int addr, int deviceIndex, eRead3_ControlCode code,
+                                       int channelMask, eRead3_UOM uom);
     static KavroReadBufferedResult KavroReadBuffered1(NetworkConfiguration* config, int addr);
     // Throws std::runtime_error for a count outside 0 to 255, before sending.
     static KavroReadMemoryResult KavroReadMemory(NetworkConfiguration* config, int addr, std::uint32_t memoryAddress,
                                                  int count);
 
     // Configuration memory.
-    static KavroConfigReadResult KavroConfigRead(NetworkConfiguration* config, int addr, int location,
-                                                 int secondWord);
+    static KavroConfigReadResult KavroConfigRead(NetworkConfiguration* config, int addr, int location, int secondWord);
     static KavroValueResult KavroConfigWrite(NetworkConfiguration* config, int addr, int location, int secondWord,
                                              unsigned char* data, int count);
     static std::uint32_t KavroConfigRead_Byte(NetworkConfiguration* config, int addr, int location,
@@ -256,8 +255,8 @@ public:
                                                     std::string value);
 
     // Pipe and pass-through.
-    static KavroCheckedValueResult KavroPipeSend32(NetworkConfiguration* config, int addr,
-                                                   const unsigned char* data, int count);
+    static KavroCheckedValueResult KavroPipeSend32(NetworkConfiguration* config, int addr, const unsigned char* data,
+                                                   int count);
     static KavroPipeReceiveResult KavroPipeReceive32(NetworkConfiguration* config, int addr);
     static KavroCheckedValueResult KavroPassThroughTx(NetworkConfiguration* config, int addr, int deviceIndex,
                                                       std::string text);

@@ -43,7 +43,7 @@ struct FtdiApi {
     FT_STATUS (*SetBaudRate)(FT_HANDLE handle, ULONG baud) = nullptr;
     FT_STATUS (*SetDataCharacteristics)(FT_HANDLE handle, UCHAR wordLength, UCHAR stopBits, UCHAR parity) = nullptr;
     FT_STATUS (*SetFlowControl)(FT_HANDLE handle, USHORT flow, UCHAR xon, UCHAR xoff) = nullptr;
-    FT_STATUS (*SetChars)
+    FT_STATUS(*SetChars)
     (FT_HANDLE handle, UCHAR eventChar, UCHAR eventEnable, UCHAR errorChar, UCHAR errorEnable) = nullptr;
     FT_STATUS (*SetTimeouts)(FT_HANDLE handle, ULONG readTimeout, ULONG writeTimeout) = nullptr;
     FT_STATUS (*Purge)(FT_HANDLE handle, ULONG mask) = nullptr;
@@ -52,7 +52,7 @@ struct FtdiApi {
     FT_STATUS (*Write)(FT_HANDLE handle, void* buffer, DWORD bytesToWrite, LPDWORD bytesWritten) = nullptr;
     FT_STATUS (*Read)(FT_HANDLE handle, void* buffer, DWORD bytesToRead, LPDWORD bytesReturned) = nullptr;
     FT_STATUS (*CreateDeviceInfoList)(LPDWORD numDevices) = nullptr;
-    FT_STATUS (*GetDeviceInfoDetail)
+    FT_STATUS(*GetDeviceInfoDetail)
     (DWORD index, LPDWORD flags, LPDWORD type, LPDWORD id, LPDWORD locId, void* serialNumber, void* description,
      FT_HANDLE* handle) = nullptr;
 };

@@ -109,8 +109,10 @@ WirelessAddress ParseWirelessAddress(const std::string& text) {
     if (text.size() == 17) {
         bool bluetooth = true;
         for (std::size_t i = 0; i < 17; ++i) {
-            if (i % 3 == 2) bluetooth = bluetooth && text[i] == ':';
-            else bluetooth = bluetooth && isHex(text[i]);
+            if (i % 3 == 2)
+                bluetooth = bluetooth && text[i] == ':';
+            else
+                bluetooth = bluetooth && isHex(text[i]);
         }
         if (bluetooth) {
             result.kind = WirelessAddress::Bluetooth;
@@ -125,7 +127,9 @@ WirelessAddress ParseWirelessAddress(const std::string& text) {
     if (colon != std::string::npos) {
         host = text.substr(0, colon);
         const std::string port = text.substr(colon + 1);
-        if (port.empty() || port.size() > 5 || !std::all_of(port.begin(), port.end(), [](char c) { return c >= '0' && c <= '9'; })) return result;
+        if (port.empty() || port.size() > 5 ||
+            !std::all_of(port.begin(), port.end(), [](char c) { return c >= '0' && c <= '9'; }))
+            return result;
         result.port = std::stoi(port);
         if (result.port < 1 || result.port > 65535) return result;
     }
@@ -203,9 +207,8 @@ ControllerInfoReply WIMKavroGetInfoController(NetworkConfiguration* config) {
 std::uint32_t SetControllerSpeedWIM(NetworkConfiguration* config, eNetSpeed speed) {
     // No line rate on a radio link: the baud index is 0.
     unsigned char answer[kShortAnswer] = {};
-    const int got =
-        request(config, {kFrameSetSpeed, 0x00, static_cast<unsigned char>(static_cast<int>(speed))}, answer,
-                kShortAnswer);
+    const int got = request(config, {kFrameSetSpeed, 0x00, static_cast<unsigned char>(static_cast<int>(speed))}, answer,
+                            kShortAnswer);
     return got > 0 ? answer[0] : 255u;
 }
 

@@ -18,7 +18,7 @@ constexpr int kWirelessDefaultPort = 10001;
 // "XX:XX:XX:XX:XX:XX" (Bluetooth, RFCOMM on the network's channel).
 struct WirelessAddress {
     enum Kind { Invalid, Tcp, Bluetooth } kind = Invalid;
-    std::string host;       // dotted IPv4 for TCP
+    std::string host;  // dotted IPv4 for TCP
     int port = kWirelessDefaultPort;
     unsigned char bluetooth[6] = {};  // as written, most significant first
 };

@@ -196,7 +196,8 @@ void KavroDynamic::PostValidatePrepare() {
     if (!complaints.empty()) throw std::runtime_error(complaints);
     if (masterIndex_ != -1 && dynamicMode_ == eDynamicMode::External) {
         KavroModule* master = network_->GetModule(static_cast<unsigned int>(masterIndex_));
-        if (master != nullptr) complaints += master->SetupDynamicMaster(numberOfModules_, collectionSize_, dynamicRate_);
+        if (master != nullptr)
+            complaints += master->SetupDynamicMaster(numberOfModules_, collectionSize_, dynamicRate_);
         if (!complaints.empty()) throw std::runtime_error(complaints);
     }
 }
