@@ -222,6 +222,72 @@ void showModuleLearning(unsigned index, KavroNetwork& network, kavrosim::SimCont
     std::cout << "  Saved to a settings file and loaded back: " << network.ModuleCount() << " modules\n";
 }
 
+// Difference and buffered acquisition on the leading probes of a network.
+void showAcquisition(unsigned index, KavroNetwork& network) {
+    std::vector<KavroModule*> probes;
+    for (int m = 0; m < network.ModuleCount() && probes.size() < 3; ++m) {
+        KavroModule* module = network.GetModule(static_cast<unsigned>(m));
+        if (module->ModuleType() == eModuleType::DP && module->DifferenceModeCapable()) probes.push_back(module);
+    }
+    if (probes.empty()) return;
+    std::cout << "\nNetwork " << index << " acquires on its own\n";
+
+    // Difference and buffered modes run at 14 bit.
+    for (KavroModule* probe : probes) {
+        if (auto* dp = dynamic_cast<KavroModuleDP*>(probe)) dp->setResolution(eResolution::res14Bit);
+        probe->Difference()->setEnabled(true);
+    }
+    network.Difference()->Start();
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));  // the probes track while the host waits
+    network.Difference()->Stop();
+    std::cout << "  Difference mode over 400 ms: smallest, largest and spread of each probe\n";
+    TextTable spread({{"Addr", TextTable::Align::Right},
+                      {"Identity"},
+                      {"Min", TextTable::Align::Right},
+                      {"Max", TextTable::Align::Right},
+                      {"Difference", TextTable::Align::Right},
+                      {"Status"}});
+    for (KavroModule* probe : probes) {
+        const ModuleDifference& d = *probe->Difference();
+        char min[32], max[32], diff[32];
+        std::snprintf(min, sizeof min, "%.4f", d.Min());
+        std::snprintf(max, sizeof max, "%.4f", d.Max());
+        std::snprintf(diff, sizeof diff, "%.4f", d.Diff());
+        const std::string status = d.Error() == eKavroErrors::NoError ? "ok" : eKavroErrors_ToString(d.Error());
+        spread.addRow({std::to_string(probe->Address()), probe->ModuleID(), min, max, diff, status});
+        probe->Difference()->setEnabled(false);
+    }
+    std::cout << spread.render("    ");
+
+    for (KavroModule* probe : probes) {
+        probe->Buffered()->setMode(eBufferedMode::Sync);
+        probe->Buffered()->setReadingInterval(50000);  // one reading every 50 ms, in timing units
+        probe->Buffered()->setEnabled(true);
+    }
+    network.Buffered()->Start();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // the probes fill their buffers
+    network.Buffered()->Stop();
+    std::cout << "  Buffered mode, one reading every " << probes.front()->Buffered()->ReadingInterval()
+              << " us for 300 ms, emptied after the stop\n";
+    TextTable held({{"Addr", TextTable::Align::Right},
+                    {"Identity"},
+                    {"Readings", TextTable::Align::Right},
+                    {"First readings (mm)"}});
+    for (KavroModule* probe : probes) {
+        const ModuleBuffered& b = *probe->Buffered();
+        std::string first;
+        for (int i = 0; i < b.BufferedDataLength() && i < 4; ++i) {
+            char text[32];
+            std::snprintf(text, sizeof text, "%s%.4f", i == 0 ? "" : "  ", b.GetBufferedItem(i).value);
+            first += text;
+        }
+        held.addRow(
+            {std::to_string(probe->Address()), probe->ModuleID(), std::to_string(b.BufferedDataLength()), first});
+        probe->Buffered()->setEnabled(false);
+    }
+    std::cout << held.render("    ");
+}
+
 int runDemo() {
     // A build tree that is not installed carries the texts beside the sources.
     if (GetErrorDescriptionInternal(0) == "Unknown Error")
@@ -342,6 +408,7 @@ int runDemo() {
             KavroNetwork& network = *networks.Network(n);
             if (network.IsConnected() && network.ControllerID() == session.controller(0).config().identity) {
                 showModuleLearning(n, network, session.controller(0), home.path());
+                showAcquisition(n, network);
             }
         }
         networks.DisconnectAll();
