@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
+
 #include "FakeLink.h"
 #include "commands/KavroCommands.h"
 
@@ -11,15 +13,6 @@ using namespace KavroLibrary;
 using Bytes = FakeLink::Bytes;
 
 namespace {
-
-std::string thrownText(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::runtime_error& e) {
-        return e.what();
-    }
-    return "";
-}
 
 Bytes pipeReply(const Bytes& data, int checkSumSkew = 0) {
     Bytes reply(36, 0);
@@ -60,13 +53,13 @@ TEST(CommandsPipe, BlocksAreChecksummedBothWays) {
 
     const std::size_t before = link.commandCount();
     const unsigned char big[33] = {};
-    EXPECT_EQ("Payload Length Too Long", thrownText([&] { KavroCommands::KavroPipeSend32(&config, 6, big, 33); }));
+    EXPECT_EQ("Payload Length Too Long", messageOf([&] { KavroCommands::KavroPipeSend32(&config, 6, big, 33); }));
     EXPECT_EQ(before, link.commandCount());
 
     link.reply(pipeReply(Bytes(data, data + 32)));
     EXPECT_EQ(Bytes(data, data + 32), KavroCommands::KavroPipeReceive32(&config, 6).Data);
     link.reply(pipeReply({0xAA, 0xBB}, 1));
-    EXPECT_EQ("Checksum incorrect.", thrownText([&] { KavroCommands::KavroPipeReceive32(&config, 6); }));
+    EXPECT_EQ("Checksum incorrect.", messageOf([&] { KavroCommands::KavroPipeReceive32(&config, 6); }));
 }
 
 TEST(CommandsPassThrough, TextGoesOutWithItsLengthAndComesBackSoFar) {
@@ -80,7 +73,7 @@ TEST(CommandsPassThrough, TextGoesOutWithItsLengthAndComesBackSoFar) {
     EXPECT_EQ(128, link.lastCommand().Data[3]);
     const std::size_t before = link.commandCount();
     EXPECT_EQ("Command cannot be > 128 characters",
-              thrownText([&] { KavroCommands::KavroPassThroughTx(&config, 4, 2, std::string(129, 'a')); }));
+              messageOf([&] { KavroCommands::KavroPassThroughTx(&config, 4, 2, std::string(129, 'a')); }));
     EXPECT_EQ(before, link.commandCount());
 
     link.reply(rxReply(0x00, "Bat"));
@@ -101,5 +94,5 @@ TEST(CommandsPassThrough, TextGoesOutWithItsLengthAndComesBackSoFar) {
     EXPECT_EQ("", shortReply.Text);
     link.reply(rxReply(0x01, std::string(129, 'z')));
     EXPECT_EQ("Kavro passthrough reply too long",
-              thrownText([&] { KavroCommands::KavroPassThroughRx(&config, 4, 1); }));
+              messageOf([&] { KavroCommands::KavroPassThroughRx(&config, 4, 1); }));
 }

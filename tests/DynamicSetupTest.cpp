@@ -2,6 +2,8 @@
 // refusals of a start the links cannot carry out.
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
+
 #include <stdexcept>
 
 #include "KavroDynamic.h"
@@ -11,15 +13,6 @@
 using namespace KavroLibrary;
 
 namespace {
-
-std::string thrownText(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::runtime_error& e) {
-        return e.what();
-    }
-    return "(nothing thrown)";
-}
 
 struct DynamicNetwork : FakeNetwork {
     explicit DynamicNetwork(int probes) {
@@ -41,9 +34,9 @@ TEST(DynamicSetup, MinimumIntervalAndRateLimits) {
     KavroDynamic& d = ten.dynamic();
     d.setNumberOfModules(10);
     EXPECT_EQ(274, d.MinimumInterval());  // 10 x 26 + 14
-    EXPECT_EQ("Dynamic read interval too short.", thrownText([&] { d.setDynamicInterval(273); }));
+    EXPECT_EQ("Dynamic read interval too short.", messageOf([&] { d.setDynamicInterval(273); }));
     EXPECT_EQ("Dynamic read interval cannot be greater than 30 seconds",
-              thrownText([&] { d.setDynamicInterval(30000001); }));
+              messageOf([&] { d.setDynamicInterval(30000001); }));
     d.setDynamicInterval(30000000);
     EXPECT_EQ(30000000, d.DynamicInterval());
     d.setDynamicInterval(0);
@@ -66,12 +59,12 @@ TEST(DynamicSetup, MasterIndexMustFollowTheCollection) {
     KavroDynamic& d = four.dynamic();
     d.setNumberOfModules(3);
     EXPECT_EQ("Dynamic external master index must be greater than the index of the last module in the collection.\n",
-              thrownText([&] { d.setMasterIndex(2); }));
+              messageOf([&] { d.setMasterIndex(2); }));
     EXPECT_EQ(-1, d.MasterIndex());
-    EXPECT_EQ("No module at the dynamic master index.\n", thrownText([&] { d.setMasterIndex(4); }));
+    EXPECT_EQ("No module at the dynamic master index.\n", messageOf([&] { d.setMasterIndex(4); }));
     // A probe cannot pace the bus.
     EXPECT_EQ("Module at the dynamic master index is not dynamic master capable.\n",
-              thrownText([&] { d.setMasterIndex(3); }));
+              messageOf([&] { d.setMasterIndex(3); }));
     EXPECT_EQ(-1, d.MasterIndex());
 }
 
@@ -96,12 +89,12 @@ TEST(DynamicSetup, PrepareSwitchesModulesAndAnyChangeUnprepares) {
     d.Prepare();
     three.config()->ActiveOperation = OperationBuffered;
     EXPECT_EQ("Cannot change dynamic properties whilst the network is performing an operation.",
-              thrownText([&] { d.setCollectionSize(5); }));
+              messageOf([&] { d.setCollectionSize(5); }));
     EXPECT_EQ(eDynamicState::Prepared, d.DynamicState());
     three.config()->ActiveOperation = OperationIdle;
 
     // This link cannot stream: the start is refused and leaves nothing running.
-    EXPECT_EQ("Controller is not dynamic capable", thrownText([&] { d.StartDynamic(); }));
+    EXPECT_EQ("Controller is not dynamic capable", messageOf([&] { d.StartDynamic(); }));
     EXPECT_EQ(eDynamicState::Inactive, d.DynamicState());
     EXPECT_EQ(OperationIdle, three.config()->ActiveOperation.load());
     d.StopDynamic();  // nothing runs: returns at once

@@ -3,6 +3,8 @@
 // settings and the dynamic data container.
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
+
 #include <chrono>
 #include <thread>
 
@@ -21,15 +23,6 @@
 using namespace KavroLibrary;
 
 namespace {
-
-std::string messageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "";
-}
 
 // A network holding modules made directly, with third-generation capabilities.
 class ModeSettings : public ::testing::Test {

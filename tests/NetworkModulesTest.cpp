@@ -1,6 +1,8 @@
 // Adding, choosing the class of, deleting and clearing modules.
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
+
 #include <typeinfo>
 
 #include "KavroModuleAGM.h"
@@ -37,15 +39,6 @@ Bytes setMode(int address, int mode) {
 }
 
 const Bytes kApplySpeed{'W', 0, 10};
-
-std::string messageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "";
-}
 
 }  // namespace
 

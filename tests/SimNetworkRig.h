@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
+
 #include "KavroNetworkETHIM.h"
 #include "core/KavroSim.h"
 #include "links/NetworkConfiguration.h"
@@ -60,11 +62,3 @@ inline bool waitFor(const std::function<bool()>& condition, std::chrono::millise
     return true;
 }
 
-inline std::string messageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "";
-}
