@@ -93,6 +93,5 @@ TEST(CommandsPassThrough, TextGoesOutWithItsLengthAndComesBackSoFar) {
     EXPECT_EQ(255u, shortReply.ModuleError);
     EXPECT_EQ("", shortReply.Text);
     link.reply(rxReply(0x01, std::string(129, 'z')));
-    EXPECT_EQ("Kavro passthrough reply too long",
-              messageOf([&] { KavroCommands::KavroPassThroughRx(&config, 4, 1); }));
+    EXPECT_EQ("Kavro passthrough reply too long", messageOf([&] { KavroCommands::KavroPassThroughRx(&config, 4, 1); }));
 }

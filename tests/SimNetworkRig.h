@@ -61,4 +61,3 @@ inline bool waitFor(const std::function<bool()>& condition, std::chrono::millise
     }
     return true;
 }
-
