@@ -27,8 +27,14 @@ kavro_require_packages() {
 kavro_build() {
     local dir="$1"
     shift
-    if [ ! -f "$dir/build.ninja" ]; then
-        cmake -S "$KAVRO_ROOT" -B "$dir" -G Ninja "$@" >/dev/null || exit 1
-    fi
-    cmake --build "$dir" || exit 1
+    mkdir -p "$dir"
+    echo "Building in ${dir#"$KAVRO_ROOT"/} (the log is in ${dir#"$KAVRO_ROOT"/}/build.log) ..."
+    {
+        if [ ! -f "$dir/build.ninja" ]; then cmake -S "$KAVRO_ROOT" -B "$dir" -G Ninja "$@"; fi &&
+            cmake --build "$dir"
+    } >"$dir/build.log" 2>&1 || {
+        tail -n 60 "$dir/build.log"
+        echo "The build failed; the whole log is in $dir/build.log" >&2
+        exit 1
+    }
 }
