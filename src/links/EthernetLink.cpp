@@ -243,14 +243,8 @@ void UpdateCapabilitiesETHIM(NetworkConfiguration* config) {
     config->DynamicExternalSourceFlag = secondGeneration;
     config->ControllerFlag6 = false;
 
-    auto offer = [config](eNetSpeed speed) {
-        for (eNetSpeed known : config->ControllerSpeeds) {
-            if (known == speed) return;
-        }
-        config->ControllerSpeeds.push_back(speed);
-    };
-    if (secondGeneration || current) offer(eNetSpeed::High);
-    if (secondGeneration) offer(eNetSpeed::UltraHigh);
+    if (secondGeneration || current) config->offerSpeed(eNetSpeed::High);
+    if (secondGeneration) config->offerSpeed(eNetSpeed::UltraHigh);
 }
 
 }  // namespace KavroLibrary

@@ -162,10 +162,8 @@ void UpdateCapabilitiesUSBIM(NetworkConfiguration* config) {
     config->DynamicExternalSourceFlag = false;
     config->ControllerFlag6 = false;
     if (modern) {
-        for (eNetSpeed speed : {eNetSpeed::High, eNetSpeed::UltraHigh}) {
-            auto& speeds = config->ControllerSpeeds;
-            if (std::find(speeds.begin(), speeds.end(), speed) == speeds.end()) speeds.push_back(speed);
-        }
+        config->offerSpeed(eNetSpeed::High);
+        config->offerSpeed(eNetSpeed::UltraHigh);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "links/NetworkConfiguration.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace KavroLibrary {
@@ -14,6 +15,12 @@ NetworkConfiguration::~NetworkConfiguration() {
     DynamicQueue.clear();
     if (ReadThread.joinable()) ReadThread.detach();
     if (DecodeThread.joinable()) DecodeThread.detach();
+}
+
+void NetworkConfiguration::offerSpeed(eNetSpeed speed) {
+    if (std::find(ControllerSpeeds.begin(), ControllerSpeeds.end(), speed) == ControllerSpeeds.end()) {
+        ControllerSpeeds.push_back(speed);
+    }
 }
 
 }  // namespace KavroLibrary

@@ -95,6 +95,8 @@ struct NetworkConfiguration {
     std::atomic<eNetSpeed> NetSpeed{eNetSpeed::Low};
     int MaxModules = 0;
     std::vector<eNetSpeed> ControllerSpeeds{eNetSpeed::Low};
+    // Appends a speed the controller offers, once.
+    void offerSpeed(eNetSpeed speed);
 
     // Controller capability flags 0 to 6, set by the link's capability update.
     bool ControllerFlag0 = false;  // plain reading (always true once connected)

@@ -219,11 +219,7 @@ void UpdateCapabilitiesRS232(NetworkConfiguration* config) {
     config->Dynamic2Flag = false;
     config->DynamicExternalSourceFlag = false;
     config->ControllerFlag6 = false;
-    if (config->ControllerValue <= 150) return;
-    for (eNetSpeed known : config->ControllerSpeeds) {
-        if (known == eNetSpeed::High) return;
-    }
-    config->ControllerSpeeds.push_back(eNetSpeed::High);
+    if (config->ControllerValue > 150) config->offerSpeed(eNetSpeed::High);
 }
 
 }  // namespace KavroLibrary

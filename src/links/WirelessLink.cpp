@@ -230,10 +230,7 @@ void UpdateCapabilitiesWIM(NetworkConfiguration* config) {
     config->Dynamic2Flag = false;
     config->DynamicExternalSourceFlag = false;
     config->ControllerFlag6 = false;
-    auto& speeds = config->ControllerSpeeds;
-    if (config->ControllerValue > 150 && std::find(speeds.begin(), speeds.end(), eNetSpeed::High) == speeds.end()) {
-        speeds.push_back(eNetSpeed::High);
-    }
+    if (config->ControllerValue > 150) config->offerSpeed(eNetSpeed::High);
 }
 
 void fillWirelessLinkTable(NetworkConfiguration* config) {
