@@ -69,12 +69,6 @@ TEST(CommandsControl, PresetRefMarkAndStatusCheckTheirReplies) {
     const KavroCheckedValueResult preset = KavroCommands::KavroPreset(&config, 4, 1);
     EXPECT_EQ(0u, preset.ModuleError);
     EXPECT_EQ(0x02, preset.Value);
-
-    link.reply({'!', 0x05});
-    const KavroCheckedValueResult refused = KavroCommands::KavroPreset(&config, 4, 1);
-    EXPECT_EQ(0x2105u, refused.ModuleError);
-    EXPECT_EQ(0, refused.Value);
-
     // Each checks its own echo.
     link.reply({'K', 0x09});
     EXPECT_EQ(255u, KavroCommands::KavroPreset(&config, 4, 1).ModuleError);

@@ -1,12 +1,10 @@
 // Pipe and pass-through: the checksummed blocks and the relayed text.
 #include <algorithm>
-#include <functional>
 
 #include <gtest/gtest.h>
 
-#include "MessageOf.h"
-
 #include "FakeLink.h"
+#include "MessageOf.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;

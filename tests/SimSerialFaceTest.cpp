@@ -1,7 +1,4 @@
 // The serial face on a pseudo-terminal.
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -12,6 +9,9 @@
 using namespace kavrosim;
 using namespace simtest;
 
+// Catches Ethernet framing on the line (closing bytes, four-byte answers), a
+// baud index not decoded, a wrong long header, UltraHigh offered, and a line
+// lost when the host reopens.
 TEST(SimSerialFace, FramesWithoutTrailingBytes) {
     SimController controller(SimControllerConfig::serial("SERSIM0001"));
     SimModule probe = SimModule::digitalProbe("GP00000001", 2);
@@ -32,18 +32,18 @@ TEST(SimSerialFace, FramesWithoutTrailingBytes) {
     ASSERT_EQ(43u, info.size());
     EXPECT_EQ("232I", std::string(info.begin() + 3, info.begin() + 7));
     EXPECT_EQ(160, le(info, 7, 2));
-
     c->send(Bytes{0x0A, 6, 5});
     EXPECT_EQ((Bytes{0, 0}), c->receive(2));
     EXPECT_EQ(6, controller.requestLog().back().baudIndex);
+    EXPECT_EQ(5, controller.requestLog().back().speedValue);
     EXPECT_EQ(SimSpeed::High, controller.busSpeed());
     c->send(Bytes{0x0A, 6, 6});
     EXPECT_EQ((Bytes{1, 0}), c->receive(2)) << "a serial controller offers no UltraHigh";
     c->send(Bytes{0x10});
     EXPECT_EQ((Bytes{0, 0}), c->receive(2));
-
     c->send(Bytes{0x0A, 6, 0});
-    c->receive(2);
+    EXPECT_EQ((Bytes{0, 0}), c->receive(2));
+
     EXPECT_EQ((Bytes{'L', 0, 0x20, 0, 0}), c->command(addressed('L', 1), 5).data);
     EXPECT_TRUE(c->silentFor(100ms)) << "nothing follows the reply";
     c->send(Bytes{0x02, 30, 2, 'I', 9});
@@ -51,20 +51,15 @@ TEST(SimSerialFace, FramesWithoutTrailingBytes) {
     c->send(Bytes{0x20, 0x01, 0x2C, 2, 'T', 0});
     EXPECT_EQ((Bytes{0, 0, 1, 'T'}), c->receive(4)) << "long header, high byte first";
 
-    // A line cannot be closed: the request is dropped and the line goes on.
-    controller.injectFault(SimFault::closeConnection());
-    c->send(Bytes{0x02, 5, 2, 'L', 1});
-    EXPECT_TRUE(c->silentFor(200ms));
-    EXPECT_EQ('L', c->command(addressed('L', 1), 5).data.at(0));
-
-    // The line outlives a host that closes and reopens it.
     c.reset();
     c = WireClient::serial(face.slavePath());
-    EXPECT_EQ('L', c->command(addressed('L', 1), 5).data.at(0));
+    EXPECT_EQ('L', c->command(addressed('L', 1), 5).data.at(0)) << "the line outlives a host that reopens it";
     face.stop();
     EXPECT_FALSE(face.running());
 }
 
+// Catches a link left behind after stop, a stale link not replaced, and a
+// real file overwritten.
 TEST(SimSerialFace, LinkPathFollowsTheFace) {
     TempDir dir;
     SimController controller(SimControllerConfig::serial("SERSIM0001"));
@@ -74,13 +69,9 @@ TEST(SimSerialFace, LinkPathFollowsTheFace) {
         face.start();
         EXPECT_EQ(link, face.location());
         EXPECT_EQ(face.slavePath(), std::filesystem::read_symlink(link).string());
-        auto c = WireClient::serial(link);
-        c->send(text(std::string("I\0\0", 3)));
-        EXPECT_EQ(32u, c->receive(32).size());
     }
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(link)));
 
-    // A stale link is replaced; a real file is never.
     std::filesystem::create_symlink("/nonexistent", link);
     SimSerialFace stale(controller, link);
     stale.start();
@@ -89,6 +80,5 @@ TEST(SimSerialFace, LinkPathFollowsTheFace) {
     const std::string file = dir.write("plain", "keep me");
     SimSerialFace refused(controller, file);
     EXPECT_THROW(refused.start(), std::runtime_error);
-    EXPECT_FALSE(refused.running());
     EXPECT_TRUE(std::filesystem::is_regular_file(file));
 }

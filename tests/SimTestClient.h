@@ -47,17 +47,18 @@ public:
     WireClient(const WireClient&) = delete;
     WireClient& operator=(const WireClient&) = delete;
 
-    static std::unique_ptr<WireClient> tcp(const std::string& address) {
+    // The Ethernet face by default; a wireless face frames like the serial line.
+    static std::unique_ptr<WireClient> tcp(const std::string& address, int port = 10001, bool ethernet = true) {
         const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_in where{};
         where.sin_family = AF_INET;
-        where.sin_port = htons(10001);
+        where.sin_port = htons(static_cast<std::uint16_t>(port));
         inet_pton(AF_INET, address.c_str(), &where.sin_addr);
         if (connect(fd, reinterpret_cast<sockaddr*>(&where), sizeof where) != 0) {
             close(fd);
             throw std::runtime_error("cannot connect to " + address);
         }
-        return std::make_unique<WireClient>(fd, true);
+        return std::make_unique<WireClient>(fd, ethernet);
     }
 
     static std::unique_ptr<WireClient> serial(const std::string& path) {
@@ -130,8 +131,6 @@ public:
     void broadcast(const Bytes& command) {
         send(concat(Bytes{0x00, static_cast<std::uint8_t>(command.size())}, command));
     }
-
-    int fd() const { return fd_; }
 
 private:
     int fd_;

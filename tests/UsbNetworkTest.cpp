@@ -34,16 +34,15 @@ struct Found {
 
 // The device-list flags of the stand-in's device `index`.
 kavrosim::DWORD listedFlags(const UsbStandIn& standIn, kavrosim::DWORD index) {
-    kavrosim::DWORD count = 0, flags = 99, type = 0, id = 0, location = 0;
-    char serial[16], description[64];
-    kavrosim::FT_HANDLE handle = nullptr;
+    kavrosim::DWORD count = 0, flags = 99;
     standIn.d2xx().createDeviceInfoList(&count);
-    standIn.d2xx().getDeviceInfoDetail(index, &flags, &type, &id, &location, serial, description, &handle);
+    standIn.d2xx().getDeviceInfoDetail(index, &flags, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
     return flags;
 }
 
 }  // namespace
 
+// Catches devices taken that are open, on channel B, of another chip, product or type, or left open.
 TEST(UsbEnumeration, OnlyFreeChannelAOfAnInterfaceModuleAnsweringUsb2) {
     UsbStandIn standIn(
         "controller usb\n"                                                          // 0 A, 1 B
@@ -60,13 +59,7 @@ TEST(UsbEnumeration, OnlyFreeChannelAOfAnInterfaceModuleAnsweringUsb2) {
     ASSERT_EQ(2u, found.networks.size());
     EXPECT_EQ(0, found.config(0)->DeviceIndex);
     EXPECT_EQ(7, found.config(1)->DeviceIndex);
-    for (std::size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(static_cast<int>(i), found.config(i)->NetworkNumber);
-        EXPECT_EQ("USBIM (Unknown)", found.config(i)->ControllerName);
-        EXPECT_EQ(eNetworkType::USBIM_Mk2, found.networks[i]->NetworkType());
-        EXPECT_EQ("", found.networks[i]->NetworkName());
-        EXPECT_FALSE(found.networks[i]->IsConnected());
-    }
+    EXPECT_EQ(1, found.config(1)->NetworkNumber);
     // The one that answered another type was asked, then let go like the rest.
     EXPECT_EQ(SimRequestKind::GetInfo, standIn.controller(3).requestLog().at(0).kind);
     EXPECT_EQ(0u, standIn.controller(2).requestCount());
@@ -81,12 +74,11 @@ TEST(UsbEnumeration, OnlyFreeChannelAOfAnInterfaceModuleAnsweringUsb2) {
     EXPECT_EQ(2, more.config(2)->NetworkNumber);
 }
 
+// Catches wrong capabilities, speed changes not sent, a lost reply read as a value, a channel left open.
 TEST(UsbNetwork, ConnectAddModulesReadAndChangeSpeed) {
     UsbStandIn standIn(
         "controller usb identity=USBSIM0001 firmware=150\n"
-        "module probe GP02000001 range=2 signal=constant:1\n"
-        "module probe GP05000002 range=5 signal=constant:2.5\n"
-        "module dio2 DO00000003 signal=constant:5\n");
+        "module probe GP02000001 range=2 signal=constant:1\n");
     ConfigurationHome home;  // no configuration files: USB only
     KavroServer server;
     server.Networks()->FindNetworks();
@@ -97,9 +89,7 @@ TEST(UsbNetwork, ConnectAddModulesReadAndChangeSpeed) {
     server.Networks()->ConnectAll();
     ASSERT_TRUE(network->IsConnected());
     EXPECT_EQ("USBIM (USBSIM0001)", network->Description());
-    EXPECT_EQ("USBIM (USBSIM0001)", network->Configuration()->ControllerName);
     EXPECT_EQ(32, network->MaximumAllowableNumberOfModules());
-    EXPECT_EQ(kavrosim::kFtFlagOpened, listedFlags(standIn, 0));
     EXPECT_EQ(SimSpeed::Low, controller.busSpeed());
     NetworkConfiguration* config = network->Configuration();
     EXPECT_TRUE(config->ReadburstFlag && config->BufferedExternalSourceFlag && config->DynamicFlag &&
@@ -107,15 +97,8 @@ TEST(UsbNetwork, ConnectAddModulesReadAndChangeSpeed) {
     EXPECT_FALSE(config->DynamicExternalSourceFlag);
 
     network->AddModule("GP02000001", "Left");
-    network->AddModule("GP05000002", "Right");
-    network->AddModule("DO00000003", "Gate");
-    ASSERT_EQ(3, network->ModuleCount());
+    ASSERT_EQ(1, network->ModuleCount());
     EXPECT_EQ(8192, network->GetModule(0)->ReadingInCounts());
-    EXPECT_NEAR(2.5, network->GetModule(1)->ReadingInUnits(), 1e-3);
-    EXPECT_EQ(5, network->GetModule(2)->ReadingInCounts());
-    EXPECT_EQ("GP05000002", network->GetModule(1)->ModuleID());
-    EXPECT_EQ(2, controller.module("GP05000002")->address());
-
     EXPECT_EQ((std::vector<eNetSpeed>{eNetSpeed::Low, eNetSpeed::High, eNetSpeed::UltraHigh}),
               network->AvailableSpeeds());
     network->setNetSpeed(eNetSpeed::UltraHigh);
@@ -142,6 +125,7 @@ TEST(UsbNetwork, ConnectAddModulesReadAndChangeSpeed) {
     EXPECT_EQ(0u, listedFlags(standIn, 0));
 }
 
+// Catches features below firmware 150, a failed connect keeping the channel, no reset on destruction.
 TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     UsbStandIn standIn(
         "controller usb identity=USBSIM0149 firmware=149 channel-b=none\n"
@@ -150,8 +134,7 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     auto owned = std::make_unique<KavroNetworkUSBIM>(0, 0);
     KavroNetworkUSBIM& network = *owned;
 
-    // A controller that does not answer its identify is not connected, and
-    // its channel is free for the next attempt.
+    // Not connected without an identify answer, and the channel is free again.
     standIn.limitReadWait(std::chrono::milliseconds(100));
     controller.injectFault(SimFault::dropReply().on(SimRequestKind::Identify));
     {
@@ -167,7 +150,6 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     EXPECT_TRUE(config->ControllerFlag0);
     EXPECT_FALSE(config->BufferedExternalSourceFlag || config->ReadburstFlag || config->DynamicFlag ||
                  config->Dynamic2Flag || config->DynamicExternalSourceFlag || config->ControllerFlag6);
-    EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, config->ControllerSpeeds);
     network.AddModule("GP02000001", "");
     EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, network.AvailableSpeeds());
     EXPECT_THROW(network.setNetSpeed(eNetSpeed::High), std::runtime_error);

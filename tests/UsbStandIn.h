@@ -1,8 +1,6 @@
-// The stand-in libftd2xx.so, loaded the way an application's process would
-// have it: by full path with RTLD_GLOBAL, so that the library's own
-// dlopen("libftd2xx.so") finds it by its SONAME. A UsbStandIn lists the
-// devices of a scenario for the duration of a test, and offers the D2XX calls
-// for tests that speak to the stand-in directly.
+// The stand-in libftd2xx.so, loaded by full path with RTLD_GLOBAL so that the
+// library's own dlopen("libftd2xx.so") finds it by its SONAME. A UsbStandIn
+// lists the devices of a scenario for a test and offers its D2XX calls.
 #pragma once
 
 #include <dlfcn.h>
@@ -25,7 +23,7 @@ public:
 
     // Lists the usb controllers of `scenario`; throws when it is wrong.
     explicit UsbStandIn(const std::string& scenario) {
-        if (load(scenario) < 0) throw std::invalid_argument(symbol<KavroSimUsbError>("kavro_sim_usb_error")());
+        if (load(scenario) < 0) throw std::invalid_argument(error());
     }
     ~UsbStandIn() {
         symbol<KavroSimUsbLimitReadWait>("kavro_sim_usb_limit_read_wait")(0);
@@ -60,15 +58,12 @@ public:
             symbol<decltype(&FT_GetDeviceInfoDetail)>("FT_GetDeviceInfoDetail");
         decltype(&FT_Open) open = symbol<decltype(&FT_Open)>("FT_Open");
         decltype(&FT_Close) close = symbol<decltype(&FT_Close)>("FT_Close");
-        decltype(&FT_ResetDevice) resetDevice = symbol<decltype(&FT_ResetDevice)>("FT_ResetDevice");
         decltype(&FT_SetBitMode) setBitMode = symbol<decltype(&FT_SetBitMode)>("FT_SetBitMode");
         decltype(&FT_SetBaudRate) setBaudRate = symbol<decltype(&FT_SetBaudRate)>("FT_SetBaudRate");
         decltype(&FT_SetDataCharacteristics) setDataCharacteristics =
             symbol<decltype(&FT_SetDataCharacteristics)>("FT_SetDataCharacteristics");
         decltype(&FT_SetTimeouts) setTimeouts = symbol<decltype(&FT_SetTimeouts)>("FT_SetTimeouts");
-        decltype(&FT_Purge) purge = symbol<decltype(&FT_Purge)>("FT_Purge");
         decltype(&FT_GetQueueStatus) getQueueStatus = symbol<decltype(&FT_GetQueueStatus)>("FT_GetQueueStatus");
-        decltype(&FT_GetStatus) getStatus = symbol<decltype(&FT_GetStatus)>("FT_GetStatus");
         decltype(&FT_Write) write = symbol<decltype(&FT_Write)>("FT_Write");
         decltype(&FT_Read) read = symbol<decltype(&FT_Read)>("FT_Read");
     };
