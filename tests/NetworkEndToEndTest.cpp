@@ -29,9 +29,8 @@ SimModule olderProbe(const std::string& identity, double value, double rangeMm, 
 TEST(NetworkEndToEnd, TheModuleSetDecidesTheSpeeds) {
     SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0011");
     config.typeCode = "ETH2";  // offers UltraHigh
-    auto rig = connectedRig(
-        config,
-        {simProbe("GP00000011", 0.5, 2.0), olderProbe("GP00000012", 1.25, 5.0, 2), simProbe("GP00000013", 7.5, 10.0)});
+    auto rig = connectedRig(config, {simProbe("GP00000011", 0.5, 2.0), olderProbe("GP00000012", 1.25, 5.0, 2),
+                                     simProbe("GP00000013", 7.5, 10.0)});
     KavroNetworkETHIM& network = *rig->network;
     SimController& controller = rig->controller;
     ASSERT_TRUE(network.IsConnected());
