@@ -2,6 +2,7 @@
 #pragma once
 
 #include "KavroChannelReadings.h"
+#include "KavroDiagnostics.h"
 #include "KavroDynamic.h"
 #include "KavroDynamicData.h"
 #include "KavroDynamicTypes.h"

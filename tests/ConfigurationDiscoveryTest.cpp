@@ -27,7 +27,7 @@ std::string element(const std::string& type, const std::string& children = "") {
 
 // Finds the networks quietly (no USB library may be there to report).
 void find(KavroNetworks& networks) {
-    CerrCapture quiet;
+    DiagnosticCapture quiet;
     networks.FindNetworks();
 }
 

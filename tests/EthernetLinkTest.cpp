@@ -11,6 +11,7 @@
 #include "LinkTestSupport.h"
 #include "MessageOf.h"
 #include "core/SimLoopback.h"
+#include "KavroDiagnostics.h"
 #include "links/EthernetLink.h"
 
 using namespace KavroLibrary;
@@ -223,6 +224,15 @@ TEST(EthernetLinkTest, FailedConnectionsAreReportedAndHarmless) {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(openSocket(&badText.config));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unable to connect to ETHIM, address lookup failed.\n");
+
+    // An application's handler takes the same line instead of standard error.
+    std::vector<std::string> lines;
+    setDiagnosticHandler([&lines](const std::string& line) { lines.push_back(line); });
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(openSocket(&badText.config));
+    setDiagnosticHandler(nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(lines, std::vector<std::string>{"Unable to connect to ETHIM, address lookup failed."});
 
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(ETHIMReadModuleResponse(&badText.config, 'L', false).Status, 255u);

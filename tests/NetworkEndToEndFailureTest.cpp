@@ -34,7 +34,7 @@ TEST(NetworkEndToEndFailure, SilentEthernetControllerLeavesTheNetworkUnconnected
     {
         // Nobody listening: refused at once.
         KavroNetworkETHIM network(0, "Nobody", freeLoopbackAddress());
-        CerrCapture errors;
+        DiagnosticCapture errors;
         Stopwatch watch;
         network.Connect();
         EXPECT_LT(watch.elapsed(), kMargin);
@@ -54,7 +54,7 @@ TEST(NetworkEndToEndFailure, SilentEthernetControllerLeavesTheNetworkUnconnected
         const int listener = listenOnFreeLoopback(kEthernetPort, address);
         ASSERT_GE(listener, 0);
         KavroNetworkETHIM network(0, "Mute", address);
-        CerrCapture errors;
+        DiagnosticCapture errors;
         Stopwatch watch;
         network.Connect();
         const auto waited = watch.elapsed();
@@ -79,7 +79,7 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
 
     KavroNetworkRS232 network(0, "Mute", line.slavePath(), 115200);
     {
-        CerrCapture errors;
+        DiagnosticCapture errors;
         Stopwatch watch;
         network.Connect();
         const auto waited = watch.elapsed();
@@ -167,7 +167,7 @@ TEST(NetworkEndToEndFailure, LateAnswersAndControllersThatHangUp) {
 
     // The controller is gone: reads fail at once and the network knows it.
     rig->face.stop();
-    CerrCapture errors;
+    DiagnosticCapture errors;
     watch = Stopwatch();
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);
     EXPECT_THROW(probe->ReadingInCounts(), KavroException);

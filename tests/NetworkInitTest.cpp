@@ -57,7 +57,7 @@ TEST(InitNetwork, SilentControllerLeavesTheNetworkUnconnected) {
         FakeNetwork fake;
         fake.bus.controllerAnswersInfo = infoAnswered;
         fake.bus.controllerAnswersIdentify = false;
-        CerrCapture errors;
+        DiagnosticCapture errors;
         EXPECT_FALSE(fake.bus.connect());
         EXPECT_EQ(infoAnswered ? "Controller Identify Failed\n" : "Controller GetInfo Failed\n", errors.text());
         EXPECT_FALSE(fake.network.IsConnected());

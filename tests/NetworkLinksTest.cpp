@@ -10,7 +10,7 @@ using namespace KavroLibrary;
 TEST(KavroNetworkRS232, MissingDeviceLeavesTheNetworkUnconnected) {
     KavroNetworkRS232 network(0, "Nobody", "/nonexistent/kavro-tty", 28800);
     EXPECT_EQ(eNetworkType::RS232IM_Mk2, network.NetworkType());
-    CerrCapture errors;
+    DiagnosticCapture errors;
     network.Connect();
     EXPECT_FALSE(network.IsConnected());
     EXPECT_EQ("Unable to open /nonexistent/kavro-tty\n", errors.text());

@@ -85,7 +85,7 @@ TEST(Notification, ARefusedAdditionEndsItWithOneLineInsteadOfEndingTheProcess) {
 
     std::string errors;
     {
-        CerrCapture capture;
+        DiagnosticCapture capture;
         // A module already on the network announces itself: a duplicate.
         rig.controller.announce("GP00000104");
         network.BeginNotifying();

@@ -7,11 +7,13 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "KavroDiagnostics.h"
 #include "KavroNetwork.h"
 #include "links/NetworkConfiguration.h"
 
@@ -44,18 +46,26 @@ std::string NewFormatInfo(const std::string& countsPerUnit = "8192.000", char re
 // the information text blank, so that the module is decoded the older way.
 FakeModule FakeProbe(const std::string& identity, std::uint16_t firmware = 150, bool newFormat = true);
 
-// Collects what is written to the standard error stream while it lives.
-class CerrCapture {
+// Collects the library's diagnostic lines (each with its line feed) while it lives.
+class DiagnosticCapture {
 public:
-    CerrCapture() : previous_(std::cerr.rdbuf(captured_.rdbuf())) {}
-    ~CerrCapture() { std::cerr.rdbuf(previous_); }
-    CerrCapture(const CerrCapture&) = delete;
-    CerrCapture& operator=(const CerrCapture&) = delete;
-    std::string text() const { return captured_.str(); }
+    DiagnosticCapture() {
+        KavroLibrary::setDiagnosticHandler([this](const std::string& line) {
+            std::lock_guard<std::mutex> guard(lock_);
+            captured_ += line + "\n";
+        });
+    }
+    ~DiagnosticCapture() { KavroLibrary::setDiagnosticHandler(nullptr); }
+    DiagnosticCapture(const DiagnosticCapture&) = delete;
+    DiagnosticCapture& operator=(const DiagnosticCapture&) = delete;
+    std::string text() const {
+        std::lock_guard<std::mutex> guard(lock_);
+        return captured_;
+    }
 
 private:
-    std::ostringstream captured_;
-    std::streambuf* previous_;
+    mutable std::mutex lock_;
+    std::string captured_;
 };
 
 class FakeModuleBus {

@@ -138,7 +138,7 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     standIn.limitReadWait(std::chrono::milliseconds(100));
     controller.injectFault(SimFault::dropReply().on(SimRequestKind::Identify));
     {
-        CerrCapture quiet;
+        DiagnosticCapture quiet;
         network.Connect();
     }
     EXPECT_FALSE(network.IsConnected());

@@ -25,7 +25,7 @@ int findWithoutD2xx() {
     ConfigurationHome home;
     home.writeUserFile(
         ConfigurationHome::settings("    <network controllertype=\"ETHIM\"><address>127.0.0.1</address></network>\n"));
-    CerrCapture captured;
+    DiagnosticCapture captured;
     KavroNetworks networks;
     for (int search = 1; search <= 2; ++search) {
         networks.FindNetworks();

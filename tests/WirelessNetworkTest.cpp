@@ -64,7 +64,7 @@ TEST(WirelessNetwork, FromAConfigurationFileOnTheDefaultPort) {
 
     auto networks = std::make_unique<KavroNetworks>();
     {
-        CerrCapture quiet;
+        DiagnosticCapture quiet;
         networks->FindNetworks();
         ASSERT_EQ(2u, networks->Count());
         networks->ConnectAll();

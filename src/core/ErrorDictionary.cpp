@@ -1,10 +1,10 @@
 #include "core/ErrorDictionary.h"
 
 #include <fstream>
-#include <iostream>
 #include <mutex>
 
 #include "KavroNumberText.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -30,7 +30,7 @@ void storeLine(const std::string& line, const std::string& path) {
         if (!text.empty() && text.back() == '\r') text.pop_back();
         kavroErrorDictionary[code] = text;  // a later line wins
     } catch (const std::exception&) {
-        std::cerr << "Unable to read the error dictionary :" << path << std::endl;
+        diagnostic("Unable to read the error dictionary :", path);
     }
 }
 

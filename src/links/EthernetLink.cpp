@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <iostream>
 #include <stdexcept>
 #include <vector>
 
 #include "links/ByteFraming.h"
 #include "links/DescriptorWait.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -90,14 +90,14 @@ bool openSocket(NetworkConfiguration* config) {
 
     const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (fd < 0) {
-        std::cerr << "Unable to create socket." << std::endl;
+        diagnostic("Unable to create socket.");
         return false;
     }
     sockaddr_in peer{};
     peer.sin_family = AF_INET;
     peer.sin_port = htons(kEthernetPort);
     if (inet_pton(AF_INET, config->Address.c_str(), &peer.sin_addr) != 1) {
-        std::cerr << "Unable to connect to ETHIM, address lookup failed." << std::endl;
+        diagnostic("Unable to connect to ETHIM, address lookup failed.");
         close(fd);
         return false;
     }
@@ -123,7 +123,7 @@ bool openSocket(NetworkConfiguration* config) {
         }
     }
     if (error != 0) {
-        std::cerr << "Unable to connect to ethim" << error << std::endl;
+        diagnostic("Unable to connect to ethim", error);
         close(fd);
         errno = error;
         return false;

@@ -1,8 +1,8 @@
 #include "links/FtdiApi.h"
+#include "core/Diagnostics.h"
 
 #include <dlfcn.h>
 
-#include <iostream>
 #include <mutex>
 
 namespace KavroLibrary {
@@ -63,8 +63,9 @@ bool ftdiBind() {
         b.library = dlopen("libftd2xx.so", RTLD_NOW | RTLD_LOCAL);
         if (b.library == nullptr) {
             if (!b.reported) {
-                std::cerr << "USB interface modules unavailable: libftd2xx.so could not be loaded (" << dlerror()
-                          << ")." << std::endl;
+                const char* why = dlerror();
+                diagnostic("USB interface modules unavailable: libftd2xx.so could not be loaded (",
+                           why != nullptr ? why : "not found", ").");
                 b.reported = true;
             }
             return false;
@@ -73,7 +74,7 @@ bool ftdiBind() {
     FtdiApi table;
     if (!bindAll(b.library, table)) {
         if (!b.reported) {
-            std::cerr << "USB interface modules unavailable: libftd2xx.so lacks a D2XX function." << std::endl;
+            diagnostic("USB interface modules unavailable: libftd2xx.so lacks a D2XX function.");
             b.reported = true;
         }
         return false;

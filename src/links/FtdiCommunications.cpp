@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <iostream>
 
 #include "core/ProtocolSleep.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -45,7 +45,7 @@ FT_STATUS SetRS232BaudRate(void* handle) {
     } catch (...) {
         status = FT_OTHER_ERROR;
     }
-    if (status != FT_OK) std::cerr << "FTDI library returned an error in FTDI SetRS232BaudRate." << std::endl;
+    if (status != FT_OK) diagnostic("FTDI library returned an error in FTDI SetRS232BaudRate.");
     return status;
 }
 
@@ -68,7 +68,7 @@ FT_STATUS ResetupDevice(void*& handle, int deviceIndex) {
     } catch (...) {
         status = FT_OTHER_ERROR;
     }
-    if (status != FT_OK) std::cerr << "FTDI library returned an error in ResetupDevice." << std::endl;
+    if (status != FT_OK) diagnostic("FTDI library returned an error in ResetupDevice.");
     return status;
 }
 
@@ -83,7 +83,7 @@ std::string GetModuleTypeController(void* handle) {
         const char* text = reinterpret_cast<const char*>(reply + 3);
         type.assign(text, strnlen(text, 4));
     } catch (...) {
-        std::cerr << "Error in controller identification." << std::endl;
+        diagnostic("Error in controller identification.");
     }
     return type;
 }
@@ -140,7 +140,7 @@ FT_STATUS FTDICommunications::Open(NetworkConfiguration* config) {
     }
     const FT_STATUS status = SetupSPI(handle, config);
     if (status != FT_OK) {
-        std::cerr << "Error setting SPI" << status << std::endl;
+        diagnostic("Error setting SPI", status);
         api().Close(handle);
         return status;
     }

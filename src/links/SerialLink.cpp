@@ -5,12 +5,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <iostream>
 #include <stdexcept>
 #include <vector>
 
 #include "links/ByteFraming.h"
 #include "links/DescriptorWait.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -78,18 +78,18 @@ int RS232OpenLine(NetworkConfiguration* config) {
     RS232CloseLine(config);
     const int fd = open(config->Address.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (fd < 0) {
-        std::cerr << "Unable to open " << config->Address << std::endl;
+        diagnostic("Unable to open ", config->Address);
         return -1;
     }
     termios settings{};
     if (tcgetattr(fd, &settings) != 0) {
-        std::cerr << "Unable to open " << config->Address << " (not a serial line)" << std::endl;
+        diagnostic("Unable to open ", config->Address, " (not a serial line)");
         close(fd);
         return -1;
     }
     RS232ConfigureLine(settings, config->BaudRate);
     if (tcsetattr(fd, TCSANOW, &settings) != 0) {
-        std::cerr << "Unable to open " << config->Address << " (line settings refused)" << std::endl;
+        diagnostic("Unable to open ", config->Address, " (line settings refused)");
         close(fd);
         return -1;
     }

@@ -11,13 +11,13 @@
 #include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <iostream>
 #include <stdexcept>
 #include <vector>
 
 #include "KavroNumberText.h"
 #include "links/ByteFraming.h"
 #include "links/DescriptorWait.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -144,7 +144,7 @@ bool WIMOpen(NetworkConfiguration* config) {
     WIMClose(config);
     const WirelessAddress address = ParseWirelessAddress(config->Address);
     if (address.kind == WirelessAddress::Invalid) {
-        std::cerr << "Unable to connect to WIM, address not understood: " << config->Address << std::endl;
+        diagnostic("Unable to connect to WIM, address not understood: ", config->Address);
         return false;
     }
     int fd = -1;
@@ -165,7 +165,7 @@ bool WIMOpen(NetworkConfiguration* config) {
         if (fd >= 0) connected = connectWithin(fd, reinterpret_cast<sockaddr*>(&target), sizeof target);
     }
     if (!connected) {
-        std::cerr << "Unable to connect to WIM " << config->Address << ": " << std::strerror(errno) << std::endl;
+        diagnostic("Unable to connect to WIM ", config->Address, ": ", std::strerror(errno));
         if (fd >= 0) close(fd);
         return false;
     }

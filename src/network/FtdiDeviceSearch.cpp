@@ -1,9 +1,9 @@
 // Enumeration of the USB interface modules attached to the machine.
 #include <cstring>
-#include <iostream>
 
 #include "KavroNetworkUSBIM.h"
 #include "links/FtdiCommunications.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -28,7 +28,7 @@ void FTDICommunications::FindDevices(std::vector<KavroNetwork*>& networks) {
     FtdiApi& api = ftdiTable();
     DWORD count = 0;
     if (api.CreateDeviceInfoList(&count) != FT_OK) {
-        std::cerr << "Could not create FTDI info list." << std::endl;
+        diagnostic("Could not create FTDI info list.");
         return;
     }
     for (DWORD i = 0; i < count; ++i) {
@@ -40,7 +40,7 @@ void FTDICommunications::FindDevices(std::vector<KavroNetwork*>& networks) {
         char description[65] = {};
         FT_HANDLE listed = nullptr;
         if (api.GetDeviceInfoDetail(i, &flags, &type, &id, &location, serial, description, &listed) != FT_OK) {
-            std::cerr << "Could not get FTDI device info detail." << std::endl;
+            diagnostic("Could not get FTDI device info detail.");
             continue;
         }
         description[64] = '\0';

@@ -1,11 +1,11 @@
 #include "network/InitNetwork.h"
 
-#include <iostream>
 #include <stdexcept>
 #include <string>
 
 #include "KavroNumberText.h"
 #include "commands/KavroCommands.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -39,13 +39,13 @@ bool InitNetwork(NetworkConfiguration* config) {
     info.Error = 255;
     if (config->GetInfo != nullptr) info = config->GetInfo(config);
     if (info.Error != 0) {
-        std::cerr << "Controller GetInfo Failed" << std::endl;
+        diagnostic("Controller GetInfo Failed");
         return false;
     }
     ControllerIdentifyReply identity;
     if (config->Identify != nullptr) identity = config->Identify(config);
     if (identity.Error != 0) {
-        std::cerr << "Controller Identify Failed" << std::endl;
+        diagnostic("Controller Identify Failed");
         return false;
     }
 

@@ -1,11 +1,11 @@
 #include "KavroNetworkETHIM.h"
 
 #include <cerrno>
-#include <iostream>
 #include <utility>
 
 #include "links/EthernetLink.h"
 #include "links/NetworkConfiguration.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -41,7 +41,7 @@ void KavroNetworkETHIM::Connect() {
     } else {
         const int error = errno;
         config_->Connected = false;
-        std::cerr << "Unable to communicate with ethim. Sockets error number: " << error << std::endl;
+        diagnostic("Unable to communicate with ethim. Sockets error number: ", error);
     }
 }
 

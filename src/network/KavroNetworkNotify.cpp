@@ -2,7 +2,6 @@
 // module announces itself, and adds the first one that does.
 #include <chrono>
 #include <exception>
-#include <iostream>
 #include <stdexcept>
 #include <thread>
 
@@ -10,6 +9,7 @@
 #include "commands/KavroCommands.h"
 #include "links/NetworkConfiguration.h"
 #include "network/NotificationGate.h"
+#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
@@ -49,14 +49,14 @@ void KavroNetwork::NotifyProcess(eNetSpeed restoreSpeed) {
     } catch (const std::exception& error) {
         // A refused addition (module limit, duplicate identity) ends this
         // notification; it must not end the application.
-        std::cerr << "Notification ended: " << error.what() << std::endl;
+        diagnostic("Notification ended: ", error.what());
     }
 
     config_->ActiveOperation = OperationNotifyEnding;
     try {
         if (config_->Connected && SpeedAvailable(restoreSpeed)) setNetSpeed(restoreSpeed);
     } catch (const std::exception& error) {
-        std::cerr << "Notification could not restore the network speed: " << error.what() << std::endl;
+        diagnostic("Notification could not restore the network speed: ", error.what());
     }
 
     // The last touch of the network: a waiting caller may destroy it as
