@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include "KavroDiagnostics.h"
 #include "LinkTestSupport.h"
 #include "MessageOf.h"
 #include "core/SimLoopback.h"
-#include "KavroDiagnostics.h"
 #include "links/EthernetLink.h"
 
 using namespace KavroLibrary;

@@ -11,9 +11,9 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/Diagnostics.h"
 #include "links/ByteFraming.h"
 #include "links/DescriptorWait.h"
-#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 

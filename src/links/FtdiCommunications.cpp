@@ -4,8 +4,8 @@
 #include <chrono>
 #include <cstring>
 
-#include "core/ProtocolSleep.h"
 #include "core/Diagnostics.h"
+#include "core/ProtocolSleep.h"
 
 namespace KavroLibrary {
 

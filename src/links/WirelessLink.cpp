@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "KavroNumberText.h"
+#include "core/Diagnostics.h"
 #include "links/ByteFraming.h"
 #include "links/DescriptorWait.h"
-#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "KavroNetworkUSBIM.h"
-#include "links/FtdiCommunications.h"
 #include "core/Diagnostics.h"
+#include "links/FtdiCommunications.h"
 
 namespace KavroLibrary {
 

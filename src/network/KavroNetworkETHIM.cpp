@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/Diagnostics.h"
 #include "links/EthernetLink.h"
 #include "links/NetworkConfiguration.h"
-#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 

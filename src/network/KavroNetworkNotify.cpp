@@ -7,9 +7,9 @@
 
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
+#include "core/Diagnostics.h"
 #include "links/NetworkConfiguration.h"
 #include "network/NotificationGate.h"
-#include "core/Diagnostics.h"
 
 namespace KavroLibrary {
 
