@@ -72,6 +72,10 @@ struct NetworkConfiguration {
     std::deque<unsigned char*> DynamicQueue;  // owned 4096-byte new[] blocks
     std::thread ReadThread;
     std::thread DecodeThread;
+    // Held for one request and its answer on the link, so that threads
+    // sharing a network (the application's, notification, a dynamic run's
+    // read thread) never interleave their bytes.
+    std::mutex LinkLock;
     int SocketFd = -1;
     std::string Address;
     int BaudRate = 115200;    // serial link
