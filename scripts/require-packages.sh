@@ -1,6 +1,7 @@
 # Sourced by the quick-start scripts: makes sure the Debian packages the
 # build needs are present, installing them when run as root.
-KAVRO_PACKAGES="cmake ninja-build g++ pkg-config libxml2-dev libgtest-dev"
+# What every build needs; scripts ask for more by name (the tests, packaging).
+KAVRO_PACKAGES="cmake ninja-build g++ pkg-config libxml2-dev"
 
 kavro_require_packages() {
     local missing=""
@@ -23,15 +24,23 @@ kavro_require_packages() {
     fi
 }
 
-# Configures (once) and builds one build folder: kavro_build DIR [cmake args...]
+# Configures and builds one build folder:
+#   kavro_build DIR [--target TARGET] [cmake args...]
+# The configuration is refreshed with the arguments each time (cheap when
+# nothing changed), so that one folder serves the demo and the tests.
 kavro_build() {
     local dir="$1"
     shift
+    local target=()
+    if [ "${1:-}" = "--target" ]; then
+        target=(--target "$2")
+        shift 2
+    fi
     mkdir -p "$dir"
     echo "Building in ${dir#"$KAVRO_ROOT"/} (the log is in ${dir#"$KAVRO_ROOT"/}/build.log) ..."
     {
-        if [ ! -f "$dir/build.ninja" ]; then cmake -S "$KAVRO_ROOT" -B "$dir" -G Ninja "$@"; fi &&
-            cmake --build "$dir"
+        cmake -S "$KAVRO_ROOT" -B "$dir" -G Ninja "$@" &&
+            cmake --build "$dir" "${target[@]}"
     } >"$dir/build.log" 2>&1 || {
         tail -n 60 "$dir/build.log"
         echo "The build failed; the whole log is in $dir/build.log" >&2

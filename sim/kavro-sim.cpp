@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <mutex>
 #include <string>
@@ -24,7 +25,8 @@ SIGHUP). USB controllers are served inside the application's own process by
 the stand-in libftd2xx.so, which reads the same file when
 KAVRO_SIM_USB_SCENARIO names it.
 
-  --scenario FILE   the scenario to run (default: the shipped default.scn)
+  --scenario FILE   the scenario to run (default: the shipped default.scn,
+                    here %DEFAULT%)
   --trace           print every request a controller receives and its answer
   --help            this text
 
@@ -32,11 +34,28 @@ KAVRO_SIM_USB_SCENARIO names it.
 
 bool readable(const std::string& path) { return access(path.c_str(), R_OK) == 0; }
 
+// The folder this program was started from, so that an installation moved
+// to another prefix (or unpacked anywhere) still finds its own scenarios.
+std::string programFolder() {
+    std::error_code error;
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : self.parent_path().string();
+}
+
 std::string defaultScenario() {
-    for (const char* path : {KAVRO_SIM_SCENARIO_INSTALLED, KAVRO_SIM_SCENARIO_SOURCE}) {
-        if (readable(path)) return path;
+    // Installed: beside the program's prefix. Built: the source tree's copy.
+    const std::string folder = programFolder();
+    const std::string installed = folder.empty() ? "" : folder + "/" KAVRO_SIM_SCENARIO_FROM_PROGRAM "/default.scn";
+    for (const std::string& path : {installed, std::string(KAVRO_SIM_SCENARIO_SOURCE)}) {
+        if (!path.empty() && readable(path)) return std::filesystem::path(path).lexically_normal().string();
     }
-    return KAVRO_SIM_SCENARIO_INSTALLED;
+    return installed.empty() ? std::string(KAVRO_SIM_SCENARIO_SOURCE) : installed;
+}
+
+std::string usage() {
+    std::string text = kUsage;
+    text.replace(text.find("%DEFAULT%"), std::strlen("%DEFAULT%"), defaultScenario());
+    return text;
 }
 
 }  // namespace
@@ -47,7 +66,7 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--help" || arg == "-h") {
-            std::cout << kUsage << kavrosim::scenarioFormatHelp();
+            std::cout << usage() << kavrosim::scenarioFormatHelp();
             return 0;
         }
         if (arg == "--trace") {

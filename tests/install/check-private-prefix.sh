@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs a built tree into a private prefix as an ordinary user (when run
+# as root, as the user nobody) and builds an example against it with
+# pkg-config: the install succeeds without writing outside the prefix, and
+# says in one line where the error dictionary must go.
+# Usage: check-private-prefix.sh BUILD_DIR SOURCE_DIR
+set -euo pipefail
+build="$1"
+source="$2"
+scratch="$(mktemp -d)"
+trap 'rm -rf "$scratch"' EXIT
+chmod 777 "$scratch"
+as_user() {
+    if [ "$(id -u)" = 0 ]; then runuser -u nobody -- "$@"; else "$@"; fi
+}
+# The install lists what it wrote in the build folder; an ordinary user owns
+# the build folder they install from.
+if [ "$(id -u)" = 0 ]; then
+    touch "$build/install_manifest.txt"
+    chmod a+w "$build/install_manifest.txt"
+fi
+
+as_user cmake --install "$build" --prefix "$scratch/prefix" >"$scratch/install.log" 2>&1 || {
+    cat "$scratch/install.log"
+    exit 1
+}
+if [ "$(id -u)" = 0 ] || [ ! -w /usr/share ]; then
+    test "$(grep -c "copy .*ErrLang_en.dat there" "$scratch/install.log")" = 1 || {
+        echo "the install does not say where the dictionary must go:" >&2
+        cat "$scratch/install.log" >&2
+        exit 1
+    }
+fi
+export PKG_CONFIG_PATH="$(dirname "$(find "$scratch/prefix" -name KavroLibrary.pc)")"
+example="$(ls "$source"/examples/*.cpp | head -n 1)"
+g++ -std=c++17 $(pkg-config --cflags KavroLibrary) "$example" -o "$scratch/example" $(pkg-config --libs KavroLibrary)
+echo "a private prefix installs and builds an example"
