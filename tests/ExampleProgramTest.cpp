@@ -51,6 +51,27 @@ TEST(ExampleProgram, ReadsEveryProbeOfTheDefaultScenario) {
     EXPECT_EQ(2.5, readings["GP05000002"]);
 }
 
+TEST(ExampleProgram, ReadsTheHandToolsOfTheDefaultScenario) {
+    SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
+    ASSERT_FALSE(scenario.controllers.empty());
+    scenario.controllers.front().address.clear();
+    SimSession session(scenario);
+    session.start();
+
+    ChildProcess example(KAVRO_BINARY_DIR "/examples/example-wireless_hand_tools", {session.face(0).location()});
+    const std::string output = example.output();
+    EXPECT_EQ(0, example.exitStatus()) << output;
+    for (const char* expected :
+         {"slot 1  WHT_M  WHTM000001  Bore gauge  Connected  battery 87\n",
+          "slot 3  WMM_A  WMMA000003  Micrometer  NotConnected  battery 12\n",
+          "WHTM000001 channel 3  Bore C  12.0000 mm\n", "WHTM000001 off time 10 -> 15 minutes\n"}) {
+        EXPECT_NE(std::string::npos, output.find(expected)) << expected << "\n" << output;
+    }
+    const std::regex channel("WHTM000001 channel [0-9]+  Bore [ABC]  1[12]\\.[0-9]{4} mm\n");
+    EXPECT_EQ(3, std::distance(std::sregex_iterator(output.begin(), output.end(), channel), std::sregex_iterator()))
+        << output;
+}
+
 TEST(ExampleProgram, WithoutAControllerItSaysWhatToStart) {
     ChildProcess example(kExample, {freeLoopbackAddress()});
     const std::string output = example.output();

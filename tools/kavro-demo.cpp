@@ -44,6 +44,10 @@ module probe   GP05000002 range=5  resolution=16 signal=constant:2.5
 module probe   GP10000003 range=10 signal=ramp:0,10,20
 module encoder LE00000004 cpu=1000 signal=ramp:0,50,30
 module dio2    DO00000005 signal=constant:5
+module wcm     WC00000007 scan=2
+tool 1 WHT_M name="Bore gauge" identity=WHTM000001 battery=87 enter=0.1 ch1=sine:12.002,0.003,5 text1="Bore A" ch2=sine:11.998,0.002,7 text2="Bore B" ch3=constant:12 text3="Bore C"
+tool 2 WHT   name="Calliper" identity=WHT0000002 battery=64 ch1=ramp:0,150,30 text1="Length"
+tool 3 WMM_A name="Micrometer" identity=WMMA000003 battery=12 connection=notconnected ch1=constant:25.4
 
 controller serial identity=SERSIM0001 description="Bench RS232"
 module probe   GP02000011 range=2 generation=2 signal=constant:1.25
@@ -288,6 +292,53 @@ void showAcquisition(unsigned index, KavroNetwork& network) {
     std::cout << held.render("    ");
 }
 
+// A wireless concentrator's hand tools: its slots, the channels of its first
+// multi-channel tool read together, and one of that tool's settings changed.
+void showWireless(KavroNetwork& network) {
+    KavroModuleWCM* wcm = nullptr;
+    for (int m = 0; m < network.ModuleCount() && wcm == nullptr; ++m)
+        wcm = dynamic_cast<KavroModuleWCM*>(network.GetModule(static_cast<unsigned>(m)));
+    if (wcm == nullptr) return;
+    std::cout << "\n  Wireless concentrator " << wcm->ModuleID() << " (scan " << wcm->ScanDuration() << " s)\n";
+    TextTable slots({{"Slot", TextTable::Align::Right},
+                     {"Type"},
+                     {"Identity"},
+                     {"Name"},
+                     {"Link"},
+                     {"Battery", TextTable::Align::Right},
+                     {"Channels", TextTable::Align::Right}});
+    WCM_Device* multi = nullptr;
+    for (int i = 0; i < wcm->Devices()->DeviceCount(); ++i) {
+        WCM_Device* device = wcm->Devices()->GetDevice(i);
+        if (device->DeviceType() == eWCM_DeviceType::None) continue;
+        const eWCM_DeviceStatus link = device->ConnectionStatus();
+        if (multi == nullptr && device->DeviceType() == eWCM_DeviceType::WHT_M && link == eWCM_DeviceStatus::Connected)
+            multi = device;
+        slots.addRow({std::to_string(i + 1), eWCM_DeviceType_ToString(device->DeviceType()), device->KavroIdentity(),
+                      device->DeviceName(), eWCM_DeviceStatus_ToString(link), std::to_string(device->BatteryStatus()),
+                      std::to_string(device->NumChannels())});
+    }
+    std::cout << slots.render("    ");
+    if (multi == nullptr) return;
+
+    const KavroChannelReadings readings = multi->ReadAllChannels();
+    std::cout << "  " << multi->DeviceName() << ": its channels read together\n";
+    TextTable channels({{"Channel", TextTable::Align::Right}, {"Text"}, {"mm", TextTable::Align::Right}});
+    for (int i = 0; i < readings.ReadingCount(); ++i) {
+        char value[32];
+        std::snprintf(value, sizeof value, "%.4f", readings[i].Value);
+        channels.addRow({std::to_string(readings[i].Channel), multi->GetChannelData(readings[i].Channel - 1).Text,
+                         readings[i].Error == eKavroErrors::NoError ? value : "error"});
+    }
+    std::cout << channels.render("    ");
+
+    auto* settings = dynamic_cast<WCM_DeviceSettings_WHTM*>(multi->Settings());
+    const int before = settings->OffTime();
+    settings->setOffTime(before + 5);
+    std::cout << "  Its off time, through configuration mode: " << before << " -> " << settings->OffTime()
+              << " minutes\n";
+}
+
 int runDemo() {
     // A build tree that is not installed carries the texts beside the sources.
     if (GetErrorDescriptionInternal(0) == "Unknown Error")
@@ -409,6 +460,7 @@ int runDemo() {
             if (network.IsConnected() && network.ControllerID() == session.controller(0).config().identity) {
                 showModuleLearning(n, network, session.controller(0), home.path());
                 showAcquisition(n, network);
+                showWireless(network);
             }
         }
         networks.DisconnectAll();

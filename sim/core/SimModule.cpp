@@ -105,6 +105,13 @@ SimModule SimModule::dio2(const std::string& identity) {
     return module;
 }
 
+SimModule SimModule::wcm(const std::string& identity) {
+    SimModule module(SimKind::Wcm, identity);
+    module.partNumber_ = "P545000A";
+    module.wcm_.emplace();
+    return module;
+}
+
 SimModule SimModule::analogue(const std::string& identity, int partNumber) {
     const SimAnalogueScale* scale = analogueScale(partNumber);
     if (scale == nullptr) {
@@ -186,6 +193,7 @@ SimScale SimModule::scale() const {
             return {oldScheme ? "" : "deg", oldScheme ? 1.0 : countsPerUnit_, 0, false, 0, 0, 6, 0};
         case SimKind::Diom:
         case SimKind::Dio2:
+        case SimKind::Wcm:
             return {"", 1.0, 0, false, 0, 0, 6, 1};
         case SimKind::Analogue: {
             const SimAnalogueScale* table = analogueScale(std::atoi(partNumber_.substr(1, 6).c_str()));
@@ -314,6 +322,9 @@ SimReading SimModule::read(Clock::time_point now) {
 Bytes SimModule::execute(const Bytes& command, Clock::time_point now) {
     if (command.size() < 2) return refuse(kFramingError);
     const std::uint8_t code = command[0];
+    if (wcm_) {
+        if (auto reply = wcm_->execute(command, now)) return *reply;
+    }
     switch (code) {
         case 'I':
             return identifyReply();
@@ -540,8 +551,12 @@ std::string SimModule::describe() const {
         case SimKind::Dio2:
             text += ", input bits";
             break;
+        case SimKind::Wcm:
+            text += ", scan " + std::to_string(wcm_->scanSeconds()) + " s";
+            break;
     }
     if (address_ != 0) text += ", address " + std::to_string(address_);
+    if (wcm_) return text + wcm_->describe();
     return text + ", signal " + signal_.text();
 }
 

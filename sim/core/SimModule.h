@@ -19,6 +19,7 @@
 #include "core/SimModuleKind.h"
 #include "core/SimSignal.h"
 #include "core/SimSpeed.h"
+#include "core/SimWcm.h"
 
 namespace kavrosim {
 
@@ -55,6 +56,8 @@ public:
     static SimModule diom(const std::string& identity);
     static SimModule dio2(const std::string& identity);
     static SimModule analogue(const std::string& identity, int partNumber);
+    // A wireless concentrator with six empty slots (wcm() fills them).
+    static SimModule wcm(const std::string& identity);
 
     // Throws std::invalid_argument when the settings contradict each other
     // (for example an old-format probe whose range is not whole millimetres).
@@ -113,6 +116,9 @@ public:
     SimDifference& difference() { return difference_; }
     const SimDifference& difference() const { return difference_; }
     SimBuffered& buffered() { return buffered_; }
+    // The concentrator of a wcm module; null for the other kinds.
+    SimWcm* wcm() { return wcm_ ? &*wcm_ : nullptr; }
+    const SimWcm* wcm() const { return wcm_ ? &*wcm_ : nullptr; }
     const SimBuffered& buffered() const { return buffered_; }
 
     // --- How it answers.
@@ -179,6 +185,7 @@ private:
     std::map<unsigned, Bytes> config_;
     SimDifference difference_;
     SimBuffered buffered_;
+    std::optional<SimWcm> wcm_;
 };
 
 }  // namespace kavrosim

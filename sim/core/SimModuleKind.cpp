@@ -17,6 +17,7 @@ const KindFacts kKinds[] = {
     {SimKind::Diom, "diom", "DIOM"},
     {SimKind::Dio2, "dio2", "DIO2"},
     {SimKind::Analogue, "analogue", "DA  "},
+    {SimKind::Wcm, "wcm", "WCM "},
 };
 
 // Every span is 16384 counts; the counts per unit are kept exactly as the

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -263,6 +264,9 @@ SimModule makeModule(const LineReader& reader, SimKind kind, const std::string& 
             case SimKind::Diom:
                 module = SimModule::diom(identity);
                 break;
+            case SimKind::Wcm:
+                module = SimModule::wcm(identity);
+                break;
             default:
                 module = SimModule::dio2(identity);
                 break;
@@ -322,6 +326,12 @@ SimModule parseModule(const LineReader& reader, const std::vector<Word>& words) 
             if (on != "yes" && on != "no") reader.fail("announce must be yes or no");
             module.setAnnouncing(on == "yes");
         }
+        if (settings.has("scan") || settings.has("restart")) {
+            if (module.wcm() == nullptr) reader.fail("only a wcm has scan and restart times");
+            if (settings.has("scan"))
+                module.wcm()->setScanSeconds(static_cast<unsigned>(settings.whole("scan", 0, 3600)));
+            if (settings.has("restart")) module.wcm()->setRestartSeconds(settings.number("restart"));
+        }
         settings.requireEmpty("a " + kindName(*kind) + " module");
         module.validate();
     });
@@ -364,8 +374,23 @@ SimScenario parseScenario(std::istream& in, const std::string& sourceName) {
             }
             identities[module.identity()] = lineNumber;
             scenario.controllers.back().modules.push_back(std::move(module));
+        } else if (keyword == "tool") {
+            // A hand tool in a slot of the wcm module on the line above.
+            SimWcm* wcm = scenario.controllers.empty() || scenario.controllers.back().modules.empty()
+                              ? nullptr
+                              : scenario.controllers.back().modules.back().wcm();
+            if (wcm == nullptr) reader.fail("a tool line must follow a wcm module line");
+            if (words.size() < 3) reader.fail("tool needs a slot (1 to 6) and a type (WHT, WHT_M or WMM_A)");
+            const int slot = std::atoi(words[1].text.c_str());
+            if (words[1].text.size() != 1 || slot < 1 || slot > SimWcm::kSlots) {
+                reader.fail("tool slot '" + words[1].text + "' must be from 1 to 6");
+            }
+            if (wcm->tool(slot - 1) != nullptr) reader.fail("slot " + words[1].text + " already holds a tool");
+            std::vector<std::string> rest;
+            for (std::size_t i = 2; i < words.size(); ++i) rest.push_back(words[i].text);
+            apply(reader, [&] { wcm->setTool(slot - 1, SimHandTool::parse(rest)); });
         } else {
-            reader.fail("unknown line '" + keyword + "' (expected controller or module)");
+            reader.fail("unknown line '" + keyword + "' (expected controller, module or tool)");
         }
     }
     if (scenario.controllers.empty()) {
@@ -393,7 +418,7 @@ std::string scenarioFormatHelp() {
       part=P770100A model=ETHI limit=L032 description=TEXT speeds=low,high,ultrahigh
 
   module KIND IDENTITY [key=value ...]           on the bus of the controller above
-      KIND: probe (range=MM required), encoder, encoder-input, diom, dio2,
+      KIND: probe (range=MM required), encoder, encoder-input, diom, dio2, wcm,
             analogue (part=630101 ... 630130 required)
       generation=0..3 firmware=N format=old|new part=P541000A model=DP
       range=MM (probe, encoder stroke) cpu=COUNTS (encoders) resolution=14|16|18
@@ -401,6 +426,13 @@ std::string scenarioFormatHelp() {
       rate=HZ (difference samples a second, 1000) buffer=N (buffered readings held, 8000)
       signal=constant:V | ramp:FROM,TO,SECONDS | sine:MEAN,AMPLITUDE,SECONDS
              | noise:MEAN,AMPLITUDE,SEED          (values in the module's units)
+      wcm: scan=SECONDS (5) restart=SECONDS (2)
+
+  tool SLOT TYPE [key=value ...]                 a hand tool in slot 1..6 of the wcm above
+      TYPE: WHT, WHT_M, WMM_A   name=TEXT20 identity=TEXT10 battery=0..255
+      ch1..ch12=SIGNAL (mm) text1..text12=TEXT channels=N enter=SECONDS (0.3)
+      connection=STATE[@SECONDS],...  (unknown notconnected connecting connected error)
+      fault=none|never-config|connection-error|incomplete|wrong-prefix
 )";
 }
 

@@ -1,0 +1,31 @@
+// The six device slots of a wireless concentrator, in slot order.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+namespace KavroLibrary {
+
+class KavroModuleWCM;
+class WCM_Device;
+
+class WCM_Devices {
+public:
+    static constexpr int kSlots = 6;
+
+    explicit WCM_Devices(KavroModuleWCM* module);
+    ~WCM_Devices();
+    WCM_Devices(const WCM_Devices&) = delete;
+    WCM_Devices& operator=(const WCM_Devices&) = delete;
+
+    // The device of slot `index` (0 to 5); no range check.
+    WCM_Device* GetDevice(int index) const { return devices_[static_cast<std::size_t>(index)].get(); }
+    int DeviceCount() const { return static_cast<int>(devices_.size()); }
+    KavroModuleWCM* Module() const { return module_; }
+
+private:
+    KavroModuleWCM* module_;  // not owned
+    std::vector<std::unique_ptr<WCM_Device>> devices_;
+};
+
+}  // namespace KavroLibrary
