@@ -65,7 +65,8 @@ public:
     eWCM_DeviceStatus ConnectionStatus();
     int BatteryStatus();
 
-    // A copy of the cached record of a channel (0 to 11; no range check).
+    // A copy of the cached record of a channel (0 to 11; an empty record for
+    // a channel not cached).
     // The first call that finds the device connected refreshes the slot once.
     sWCM_ChannelData GetChannelData(int channel);
 

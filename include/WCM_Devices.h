@@ -18,8 +18,10 @@ public:
     WCM_Devices(const WCM_Devices&) = delete;
     WCM_Devices& operator=(const WCM_Devices&) = delete;
 
-    // The device of slot `index` (0 to 5); no range check.
-    WCM_Device* GetDevice(int index) const { return devices_[static_cast<std::size_t>(index)].get(); }
+    // The device of slot `index` (0 to 5); null for any other index.
+    WCM_Device* GetDevice(int index) const {
+        return index >= 0 && index < DeviceCount() ? devices_[static_cast<std::size_t>(index)].get() : nullptr;
+    }
     int DeviceCount() const { return static_cast<int>(devices_.size()); }
     KavroModuleWCM* Module() const { return module_; }
 

@@ -118,6 +118,13 @@ TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
         {controller + "module dio2 DO00000001 description=\"open\n", "a quote is not closed"},
         {controller + "module dio2 DO00000001\nmodule diom DO00000001\n",
          "test.scn:3: the identity DO00000001 is already used on line 2"},
+        {controller + "module dio2 DO00000001\ntool 1 WHT\n", "test.scn:3: a tool line must follow a wcm"},
+        {controller + "module wcm WC00000001\ntool 7 WHT\n", "tool slot '7' must be from 1 to 6"},
+        {controller + "module wcm WC00000001\ntool 1 WHT\ntool 1 WHT_M\n", "slot 1 already holds a tool"},
+        {controller + "module wcm WC00000001\ntool 1 WHT fault=sometimes\n", "unknown fault 'sometimes'"},
+        {controller + "module wcm WC00000001\ntool 1 WHT connection=connected@x\n", "connection time 'x'"},
+        {controller + "module wcm WC00000001\ntool 1 WHT identity=SHORT\n", "must be 10 characters or empty"},
+        {controller + "module dio2 DO00000001 scan=3\n", "only a wcm has scan and restart times"},
     };
     for (const auto& [text, expected] : cases) {
         const std::string error = parseError(text);

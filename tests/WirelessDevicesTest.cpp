@@ -331,3 +331,48 @@ TEST_F(Wireless, SingleChannelToolSettingsAndLimits) {
     EXPECT_EQ(0, tool->OffTime());
     EXPECT_EQ("Unable to set OffTime. ", messageOf([&] { tool->setOffTime(3); }));
 }
+
+// The simulated concentrator's clock is the caller's, so its timing and its
+// faults are checked at chosen moments without waiting.
+TEST(SimWcm, ConfigurationModeFollowsTheClockAndTheFaults) {
+    using namespace std::chrono;
+    using kavrosim::SimToolFault;
+    using kavrosim::SimToolState;
+    auto fieldWrite = [](unsigned location, std::uint8_t value) {
+        kavrosim::Bytes command{'b', 1};
+        kavrosim::putLe16(command, location);
+        kavrosim::putLe16(command, 0);
+        command.push_back(1);
+        command.push_back(value);
+        command.resize(39, 0);
+        kavrosim::putLe16(command, kavrosim::complementSum16(command, 0, 39));
+        return command;
+    };
+    struct Case {
+        SimToolFault fault;
+        SimToolState stateInMode;
+        bool entersMode;
+    };
+    const Case cases[] = {
+        {SimToolFault::None, SimToolState::Connected, true},
+        {SimToolFault::NeverEntersConfigMode, SimToolState::Connected, false},
+        {SimToolFault::ConnectionError, SimToolState::Error, false},
+    };
+    for (const Case& c : cases) {
+        kavrosim::SimWcm wcm;
+        const auto t0 = kavrosim::SimWcm::Clock::now();
+        kavrosim::SimHandTool tool(kavrosim::SimToolType::WhtM);
+        tool.setSchedule({{0, SimToolState::NotConnected}, {1, SimToolState::Connected}});
+        tool.setEnterDelay(0.3);
+        tool.setFault(c.fault);
+        wcm.setTool(0, tool);
+        EXPECT_EQ(SimToolState::NotConnected, wcm.state(0, t0));
+        EXPECT_EQ(SimToolState::Connected, wcm.state(0, t0 + seconds(2)));
+        ASSERT_EQ((kavrosim::Bytes{'b', 0}), wcm.execute(fieldWrite(1091, 1), t0 + seconds(2)));
+        EXPECT_FALSE(wcm.inConfigMode(0, t0 + milliseconds(2200)));
+        EXPECT_EQ(c.entersMode, wcm.inConfigMode(0, t0 + milliseconds(2400)));
+        EXPECT_EQ(c.stateInMode, wcm.state(0, t0 + milliseconds(2400)));
+        wcm.execute(fieldWrite(1091, 0), t0 + seconds(3));
+        EXPECT_EQ(SimToolState::Connected, wcm.state(0, t0 + seconds(3)));
+    }
+}

@@ -165,6 +165,7 @@ sWCM_ChannelData WCM_Device::GetChannelData(int channel) {
         updated_ = true;
         UpdateDeviceFieldData();
     }
+    if (channel < 0 || static_cast<std::size_t>(channel) >= channels_.size()) return {};
     return channels_[static_cast<std::size_t>(channel)];
 }
 
