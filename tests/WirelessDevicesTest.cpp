@@ -101,6 +101,19 @@ TEST_F(Wireless, SlotsAreReadWhenTheConcentratorJoins) {
     EXPECT_DOUBLE_EQ(10.125, multi->GetChannelData(2).Value);
 }
 
+TEST_F(Wireless, ChannelDataIsRefreshedOnceTheDeviceIsFoundConnected) {
+    auto setChannel1 = [&](double value) {
+        changeWcm(
+            [value](kavrosim::SimWcm& w) { w.tool(0)->channels()[0].signal = kavrosim::SimSignal::constant(value); });
+    };
+    setChannel1(2.5);
+    EXPECT_DOUBLE_EQ(2.5, multi->GetChannelData(0).Value);
+    setChannel1(3.5);
+    EXPECT_DOUBLE_EQ(2.5, multi->GetChannelData(0).Value);  // the cache, until asked to read again
+    multi->getAllChannelData();
+    EXPECT_DOUBLE_EQ(3.5, multi->GetChannelData(0).Value);
+}
+
 TEST_F(Wireless, ReadKeepsTheChannelsTheDeviceHas) {
     struct Case {
         std::function<KavroChannelReadings()> read;

@@ -116,10 +116,10 @@ public:
     SimDifference& difference() { return difference_; }
     const SimDifference& difference() const { return difference_; }
     SimBuffered& buffered() { return buffered_; }
+    const SimBuffered& buffered() const { return buffered_; }
     // The concentrator of a wcm module; null for the other kinds.
     SimWcm* wcm() { return wcm_ ? &*wcm_ : nullptr; }
     const SimWcm* wcm() const { return wcm_ ? &*wcm_ : nullptr; }
-    const SimBuffered& buffered() const { return buffered_; }
 
     // --- How it answers.
     bool hears(SimSpeed busSpeed) const { return speed_ == busSpeed; }
