@@ -1,0 +1,107 @@
+// Difference and buffered modes. A module's buffered read-out comes back as
+// one numpy record array per call (fields error, counts, value), not one
+// Python object per reading.
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include <pybind11/numpy.h>
+
+#include "KavroModule.h"
+#include "KavroNetwork.h"
+#include "ModuleBuffered.h"
+#include "ModuleDifference.h"
+#include "NetworkBuffered.h"
+#include "NetworkDifference.h"
+#include "PyBindings.h"
+
+namespace kavro_python {
+
+// One reading as numpy holds it; `error` is an eKavroErrors value.
+struct ReadingRecord {
+    std::int32_t error;
+    std::int32_t counts;
+    double value;  // in units of measure
+};
+
+using namespace KavroLibrary;
+
+namespace {
+
+// numpy is imported on first use, so that `import kavro` works without it.
+void registerReadingRecord() {
+    static bool registered = false;  // under the GIL
+    if (registered) return;
+    PYBIND11_NUMPY_DTYPE(ReadingRecord, error, counts, value);
+    registered = true;
+}
+
+py::array_t<ReadingRecord> bufferedReadings(const ModuleBuffered& buffered) {
+    registerReadingRecord();
+    int length = 0;
+    std::unique_ptr<sReadingItem, decltype(&std::free)> items(buffered.GetBufferedDataArray(length), &std::free);
+    py::array_t<ReadingRecord> array(length < 0 ? 0 : length);
+    ReadingRecord* out = array.mutable_data();
+    for (int i = 0; i < length; ++i) {
+        out[i] = {static_cast<std::int32_t>(items.get()[i].error), items.get()[i].counts, items.get()[i].value};
+    }
+    return array;
+}
+
+}  // namespace
+
+void bindModes(py::module_& m) {
+    py::class_<NetworkDifference>(m, "NetworkDifference")
+        .def("Count", &NetworkDifference::Count)
+        .def("Status", &NetworkDifference::Status)
+        .def("Start", &NetworkDifference::Start, WithoutGil())
+        .def("Stop", &NetworkDifference::Stop, WithoutGil());
+
+    py::class_<ModuleDifference>(m, "ModuleDifference")
+        .def("Mode", &ModuleDifference::Mode)
+        .def("ReadingCount", &ModuleDifference::ReadingCount)
+        .def("Diff", &ModuleDifference::Diff)
+        .def("DiffCounts", &ModuleDifference::DiffCounts)
+        .def("Error", &ModuleDifference::Error)
+        .def("Enabled", &ModuleDifference::Enabled)
+        .def("setEnabled", &ModuleDifference::setEnabled, py::arg("enabled"))
+        .def("Max", &ModuleDifference::Max)
+        .def("MaxCounts", &ModuleDifference::MaxCounts)
+        .def("Min", &ModuleDifference::Min)
+        .def("MinCounts", &ModuleDifference::MinCounts)
+        .def("Status", &ModuleDifference::Status)
+        .def("Sum", &ModuleDifference::Sum)
+        .def("SumCounts", &ModuleDifference::SumCounts)
+        .def("ReadDifference", &ModuleDifference::ReadDifference, WithoutGil());
+
+    py::class_<NetworkBuffered>(m, "NetworkBuffered")
+        .def("EnabledCount", &NetworkBuffered::EnabledCount)
+        .def("Status", &NetworkBuffered::Status)
+        .def("MasterIndex", &NetworkBuffered::MasterIndex)
+        .def("setMasterIndex", &NetworkBuffered::setMasterIndex, py::arg("index"))
+        .def("SampleCount", &NetworkBuffered::SampleCount)
+        .def("SyncCount", &NetworkBuffered::SyncCount)
+        .def("Start", &NetworkBuffered::Start, WithoutGil())
+        .def("Sample", &NetworkBuffered::Sample, WithoutGil())
+        .def("Stop", &NetworkBuffered::Stop, WithoutGil());
+
+    py::class_<ModuleBuffered>(m, "ModuleBuffered")
+        .def("Enabled", &ModuleBuffered::Enabled)
+        .def("setEnabled", &ModuleBuffered::setEnabled, py::arg("enabled"))
+        .def("Mode", &ModuleBuffered::Mode)
+        .def("setMode", &ModuleBuffered::setMode, py::arg("mode"))
+        .def("OTUs", &ModuleBuffered::OTUs)
+        .def("setOTUs", &ModuleBuffered::setOTUs, py::arg("otus"))
+        .def("ReadingInterval", &ModuleBuffered::ReadingInterval)
+        .def("setReadingInterval", &ModuleBuffered::setReadingInterval, py::arg("microseconds"))
+        .def("ReadingIntervalErrorUs", &ModuleBuffered::ReadingIntervalErrorUs)
+        .def("TxSample", &ModuleBuffered::TxSample)
+        .def("setTxSample", &ModuleBuffered::setTxSample, py::arg("value"))
+        .def("Status", &ModuleBuffered::Status)
+        .def("BufferedDataLength", &ModuleBuffered::BufferedDataLength)
+        .def("GetBufferedDataArray", &bufferedReadings,
+             "The read-out as one numpy record array with the fields error (an eKavroErrors value), "
+             "counts and value (in units of measure).");
+}
+
+}  // namespace kavro_python
