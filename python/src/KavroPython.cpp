@@ -9,5 +9,6 @@ PYBIND11_MODULE(_kavro, m) {
     kavro_python::bindModes(m);
     kavro_python::bindNetworks(m);
     kavro_python::bindServer(m);
+    kavro_python::bindDynamic(m);
     kavro_python::bindSimulator(m);
 }

@@ -19,6 +19,7 @@ void bindServer(py::module_& m);
 void bindNetworks(py::module_& m);
 void bindModules(py::module_& m);
 void bindModes(py::module_& m);
+void bindDynamic(py::module_& m);  // after bindNetworks and bindServer
 void bindSimulator(py::module_& m);
 
 }  // namespace kavro_python
