@@ -14,6 +14,7 @@
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
 #include "PyBindings.h"
+#include "PyModuleGuard.h"
 
 namespace kavro_python {
 
@@ -37,6 +38,7 @@ void registerReadingRecord() {
 }
 
 py::array_t<ReadingRecord> bufferedReadings(const ModuleBuffered& buffered) {
+    ensurePart(&buffered);
     registerReadingRecord();
     int length = 0;
     std::unique_ptr<sReadingItem, decltype(&std::free)> items(buffered.GetBufferedDataArray(length), &std::free);
@@ -58,21 +60,21 @@ void bindModes(py::module_& m) {
         .def("Stop", &NetworkDifference::Stop, WithoutGil());
 
     py::class_<ModuleDifference>(m, "ModuleDifference")
-        .def("Mode", &ModuleDifference::Mode)
-        .def("ReadingCount", &ModuleDifference::ReadingCount)
-        .def("Diff", &ModuleDifference::Diff)
-        .def("DiffCounts", &ModuleDifference::DiffCounts)
-        .def("Error", &ModuleDifference::Error)
-        .def("Enabled", &ModuleDifference::Enabled)
-        .def("setEnabled", &ModuleDifference::setEnabled, py::arg("enabled"))
-        .def("Max", &ModuleDifference::Max)
-        .def("MaxCounts", &ModuleDifference::MaxCounts)
-        .def("Min", &ModuleDifference::Min)
-        .def("MinCounts", &ModuleDifference::MinCounts)
-        .def("Status", &ModuleDifference::Status)
-        .def("Sum", &ModuleDifference::Sum)
-        .def("SumCounts", &ModuleDifference::SumCounts)
-        .def("ReadDifference", &ModuleDifference::ReadDifference, WithoutGil());
+        .def("Mode", onNetwork(&ModuleDifference::Mode))
+        .def("ReadingCount", onNetwork(&ModuleDifference::ReadingCount))
+        .def("Diff", onNetwork(&ModuleDifference::Diff))
+        .def("DiffCounts", onNetwork(&ModuleDifference::DiffCounts))
+        .def("Error", onNetwork(&ModuleDifference::Error))
+        .def("Enabled", onNetwork(&ModuleDifference::Enabled))
+        .def("setEnabled", onNetwork(&ModuleDifference::setEnabled), py::arg("enabled"))
+        .def("Max", onNetwork(&ModuleDifference::Max))
+        .def("MaxCounts", onNetwork(&ModuleDifference::MaxCounts))
+        .def("Min", onNetwork(&ModuleDifference::Min))
+        .def("MinCounts", onNetwork(&ModuleDifference::MinCounts))
+        .def("Status", onNetwork(&ModuleDifference::Status))
+        .def("Sum", onNetwork(&ModuleDifference::Sum))
+        .def("SumCounts", onNetwork(&ModuleDifference::SumCounts))
+        .def("ReadDifference", onNetwork(&ModuleDifference::ReadDifference), WithoutGil());
 
     py::class_<NetworkBuffered>(m, "NetworkBuffered")
         .def("EnabledCount", &NetworkBuffered::EnabledCount)
@@ -86,19 +88,19 @@ void bindModes(py::module_& m) {
         .def("Stop", &NetworkBuffered::Stop, WithoutGil());
 
     py::class_<ModuleBuffered>(m, "ModuleBuffered")
-        .def("Enabled", &ModuleBuffered::Enabled)
-        .def("setEnabled", &ModuleBuffered::setEnabled, py::arg("enabled"))
-        .def("Mode", &ModuleBuffered::Mode)
-        .def("setMode", &ModuleBuffered::setMode, py::arg("mode"))
-        .def("OTUs", &ModuleBuffered::OTUs)
-        .def("setOTUs", &ModuleBuffered::setOTUs, py::arg("otus"))
-        .def("ReadingInterval", &ModuleBuffered::ReadingInterval)
-        .def("setReadingInterval", &ModuleBuffered::setReadingInterval, py::arg("microseconds"))
-        .def("ReadingIntervalErrorUs", &ModuleBuffered::ReadingIntervalErrorUs)
-        .def("TxSample", &ModuleBuffered::TxSample)
-        .def("setTxSample", &ModuleBuffered::setTxSample, py::arg("value"))
-        .def("Status", &ModuleBuffered::Status)
-        .def("BufferedDataLength", &ModuleBuffered::BufferedDataLength)
+        .def("Enabled", onNetwork(&ModuleBuffered::Enabled))
+        .def("setEnabled", onNetwork(&ModuleBuffered::setEnabled), py::arg("enabled"))
+        .def("Mode", onNetwork(&ModuleBuffered::Mode))
+        .def("setMode", onNetwork(&ModuleBuffered::setMode), py::arg("mode"))
+        .def("OTUs", onNetwork(&ModuleBuffered::OTUs))
+        .def("setOTUs", onNetwork(&ModuleBuffered::setOTUs), py::arg("otus"))
+        .def("ReadingInterval", onNetwork(&ModuleBuffered::ReadingInterval))
+        .def("setReadingInterval", onNetwork(&ModuleBuffered::setReadingInterval), py::arg("microseconds"))
+        .def("ReadingIntervalErrorUs", onNetwork(&ModuleBuffered::ReadingIntervalErrorUs))
+        .def("TxSample", onNetwork(&ModuleBuffered::TxSample))
+        .def("setTxSample", onNetwork(&ModuleBuffered::setTxSample), py::arg("value"))
+        .def("Status", onNetwork(&ModuleBuffered::Status))
+        .def("BufferedDataLength", onNetwork(&ModuleBuffered::BufferedDataLength))
         .def("GetBufferedDataArray", &bufferedReadings,
              "The read-out as one numpy record array with the fields error (an eKavroErrors value), "
              "counts and value (in units of measure).");

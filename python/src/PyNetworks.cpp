@@ -12,10 +12,20 @@
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
 #include "PyBindings.h"
+#include "PyModuleGuard.h"
 
 namespace kavro_python {
 
 using namespace KavroLibrary;
+
+namespace {
+
+KavroModule* handOut(const KavroNetwork& network, KavroModule* module) {
+    rememberModule(module, &network);
+    return module;
+}
+
+}  // namespace
 
 void bindNetworks(py::module_& m) {
     constexpr auto owned = py::return_value_policy::reference_internal;
@@ -36,8 +46,16 @@ void bindNetworks(py::module_& m) {
         .def("Buffered", &KavroNetwork::Buffered, owned)
         .def("Difference", &KavroNetwork::Difference, owned)
         .def("ModuleCount", &KavroNetwork::ModuleCount)
-        .def("GetModule", &KavroNetwork::GetModule, owned, py::arg("index"))
-        .def("GetModuleByID", &KavroNetwork::GetModuleByID, owned, py::arg("id"))
+        .def(
+            "GetModule",
+            [](const KavroNetwork& network, unsigned int index) { return handOut(network, network.GetModule(index)); },
+            owned, py::arg("index"))
+        .def(
+            "GetModuleByID",
+            [](const KavroNetwork& network, std::string id) {
+                return handOut(network, network.GetModuleByID(std::move(id)));
+            },
+            owned, py::arg("id"))
         .def("GetModuleIndexByID", &KavroNetwork::GetModuleIndexByID, py::arg("id"))
         .def("AddModule", &KavroNetwork::AddModule, WithoutGil(), py::arg("id"), py::arg("name") = "")
         .def("DeleteModule", py::overload_cast<int>(&KavroNetwork::DeleteModule), WithoutGil(), py::arg("index"))
@@ -80,7 +98,7 @@ void bindNetworks(py::module_& m) {
                 if (index < 0 || index >= network.ModuleCount()) {
                     throw py::index_error("no module " + std::to_string(index));
                 }
-                return network.GetModule(static_cast<unsigned int>(index));
+                return handOut(network, network.GetModule(static_cast<unsigned int>(index)));
             },
             owned)
         .def("__repr__", [](const KavroNetwork& network) {

@@ -42,8 +42,13 @@ def test_settings_file_round_trip(bench, tmp_path):
     network.GetModule(1).setResolution(kavro.eResolution.res18Bit)
     path = str(tmp_path / "bench.xml")
     network.Save(path)
+    first, its_difference = network.GetModule(0), network.GetModule(0).Difference()
     network.ClearModules()
     assert len(network) == 0
+    # Objects of modules that are gone refuse instead of touching freed memory.
+    for call in (first.ReadingInUnits, first.ModuleID, its_difference.Max):
+        with pytest.raises(RuntimeError, match="GP02000001 is no longer on its network"):
+            call()
     network.Load(path)
     assert [m.ModuleID() for m in network] == ["GP02000001", "GP05000002", "GP10000003"]
     assert network.GetModule(0).ModuleName() == "left flank"
