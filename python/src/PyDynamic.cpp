@@ -11,6 +11,7 @@
 #include "links/NetworkConfiguration.h"
 #include "PyBindings.h"
 #include "PyCallback.h"
+#include "PyModuleGuard.h"
 
 namespace kavro_python {
 
@@ -65,37 +66,38 @@ void setRunCallback(int network, std::shared_ptr<PyCallback> callback) {
 
 void bindDynamic(py::module_& m) {
     py::class_<KavroDynamic>(m, "KavroDynamic")
-        .def("CollectionSize", &KavroDynamic::CollectionSize)
-        .def("DynamicInterval", &KavroDynamic::DynamicInterval)
-        .def("DynamicMode", &KavroDynamic::DynamicMode)
-        .def("DynamicRate", &KavroDynamic::DynamicRate)
-        .def("MasterIndex", &KavroDynamic::MasterIndex)
-        .def("NumberOfModules", &KavroDynamic::NumberOfModules)
-        .def("MinimumInterval", &KavroDynamic::MinimumInterval)
-        .def("Enabled", &KavroDynamic::Enabled)
-        .def("DynamicState", &KavroDynamic::DynamicState)
-        .def("ValidateInterval", &KavroDynamic::ValidateInterval, py::arg("microseconds"))
-        .def("setCollectionSize", &KavroDynamic::setCollectionSize, py::arg("size"))
-        .def("setDynamicRate", &KavroDynamic::setDynamicRate, py::arg("rate"))
-        .def("setDynamicInterval", &KavroDynamic::setDynamicInterval, py::arg("microseconds"))
-        .def("setMasterIndex", &KavroDynamic::setMasterIndex, py::arg("index"))
-        .def("setNumberOfModules", &KavroDynamic::setNumberOfModules, py::arg("count"))
-        .def("setDynamicMode", &KavroDynamic::setDynamicMode, py::arg("mode"))
-        .def("setEnabled", &KavroDynamic::setEnabled, py::arg("enabled"))
-        .def("ValidateDynamic_NumModules", &KavroDynamic::ValidateDynamic_NumModules, py::arg("count"))
-        .def("ValidateDynamic_Mode", &KavroDynamic::ValidateDynamic_Mode, py::arg("mode"))
-        .def("ValidateDynamic_AddressOfModuleMaster", &KavroDynamic::ValidateDynamic_AddressOfModuleMaster)
-        .def("ValidateDynamic_Rate", &KavroDynamic::ValidateDynamic_Rate, py::arg("rate"))
-        .def("ValidateDynamic_Time", &KavroDynamic::ValidateDynamic_Time)
-        .def("ValidateDynamic_NetSpeed", &KavroDynamic::ValidateDynamic_NetSpeed, py::arg("speed"))
-        .def("ValidateDynamic", &KavroDynamic::ValidateDynamic)
-        .def("Dynamic_Setup", &KavroDynamic::Dynamic_Setup, WithoutGil(), py::arg("rate"), py::arg("modules"),
+        .def("CollectionSize", onNetworkPart(&KavroDynamic::CollectionSize))
+        .def("DynamicInterval", onNetworkPart(&KavroDynamic::DynamicInterval))
+        .def("DynamicMode", onNetworkPart(&KavroDynamic::DynamicMode))
+        .def("DynamicRate", onNetworkPart(&KavroDynamic::DynamicRate))
+        .def("MasterIndex", onNetworkPart(&KavroDynamic::MasterIndex))
+        .def("NumberOfModules", onNetworkPart(&KavroDynamic::NumberOfModules))
+        .def("MinimumInterval", onNetworkPart(&KavroDynamic::MinimumInterval))
+        .def("Enabled", onNetworkPart(&KavroDynamic::Enabled))
+        .def("DynamicState", onNetworkPart(&KavroDynamic::DynamicState))
+        .def("ValidateInterval", onNetworkPart(&KavroDynamic::ValidateInterval), py::arg("microseconds"))
+        .def("setCollectionSize", onNetworkPart(&KavroDynamic::setCollectionSize), py::arg("size"))
+        .def("setDynamicRate", onNetworkPart(&KavroDynamic::setDynamicRate), py::arg("rate"))
+        .def("setDynamicInterval", onNetworkPart(&KavroDynamic::setDynamicInterval), py::arg("microseconds"))
+        .def("setMasterIndex", onNetworkPart(&KavroDynamic::setMasterIndex), py::arg("index"))
+        .def("setNumberOfModules", onNetworkPart(&KavroDynamic::setNumberOfModules), py::arg("count"))
+        .def("setDynamicMode", onNetworkPart(&KavroDynamic::setDynamicMode), py::arg("mode"))
+        .def("setEnabled", onNetworkPart(&KavroDynamic::setEnabled), py::arg("enabled"))
+        .def("ValidateDynamic_NumModules", onNetworkPart(&KavroDynamic::ValidateDynamic_NumModules), py::arg("count"))
+        .def("ValidateDynamic_Mode", onNetworkPart(&KavroDynamic::ValidateDynamic_Mode), py::arg("mode"))
+        .def("ValidateDynamic_AddressOfModuleMaster", onNetworkPart(&KavroDynamic::ValidateDynamic_AddressOfModuleMaster))
+        .def("ValidateDynamic_Rate", onNetworkPart(&KavroDynamic::ValidateDynamic_Rate), py::arg("rate"))
+        .def("ValidateDynamic_Time", onNetworkPart(&KavroDynamic::ValidateDynamic_Time))
+        .def("ValidateDynamic_NetSpeed", onNetworkPart(&KavroDynamic::ValidateDynamic_NetSpeed), py::arg("speed"))
+        .def("ValidateDynamic", onNetworkPart(&KavroDynamic::ValidateDynamic))
+        .def("Dynamic_Setup", onNetworkPart(&KavroDynamic::Dynamic_Setup), WithoutGil(), py::arg("rate"), py::arg("modules"),
              py::arg("index"))
-        .def("Prepare", &KavroDynamic::Prepare, WithoutGil())
-        .def("ClearPrepared", &KavroDynamic::ClearPrepared, WithoutGil())
+        .def("Prepare", onNetworkPart(&KavroDynamic::Prepare), WithoutGil())
+        .def("ClearPrepared", onNetworkPart(&KavroDynamic::ClearPrepared), WithoutGil())
         .def(
             "StartDynamic",
             [](KavroDynamic& dynamic, py::object callback) {
+                ensureNetworkPart(&dynamic);
                 int number = 0;
                 {
                     std::lock_guard<std::mutex> guard(callbacksLock);
@@ -108,7 +110,7 @@ void bindDynamic(py::module_& m) {
             py::arg("callback") = py::none(),
             "Starts the prepared run; callback(network_number), if given, is called from the library's "
             "thread when the run is complete.")
-        .def("StopDynamic", &KavroDynamic::StopDynamic, WithoutGil());
+        .def("StopDynamic", onNetworkPart(&KavroDynamic::StopDynamic), WithoutGil());
 
     // A network's dynamic object, remembered with the number the library
     // gives its callback.
@@ -116,6 +118,8 @@ void bindDynamic(py::module_& m) {
         .def(
             "Dynamic",
             [](KavroNetwork& network) {
+                ensureNetwork(&network);
+                rememberNetworkPart(network.Dynamic(), &network);
                 std::lock_guard<std::mutex> guard(callbacksLock);
                 networkNumbers()[network.Dynamic()] = network.Configuration()->NetworkNumber;
                 return network.Dynamic();

@@ -54,10 +54,10 @@ py::array_t<ReadingRecord> bufferedReadings(const ModuleBuffered& buffered) {
 
 void bindModes(py::module_& m) {
     py::class_<NetworkDifference>(m, "NetworkDifference")
-        .def("Count", &NetworkDifference::Count)
-        .def("Status", &NetworkDifference::Status)
-        .def("Start", &NetworkDifference::Start, WithoutGil())
-        .def("Stop", &NetworkDifference::Stop, WithoutGil());
+        .def("Count", onNetworkPart(&NetworkDifference::Count))
+        .def("Status", onNetworkPart(&NetworkDifference::Status))
+        .def("Start", onNetworkPart(&NetworkDifference::Start), WithoutGil())
+        .def("Stop", onNetworkPart(&NetworkDifference::Stop), WithoutGil());
 
     py::class_<ModuleDifference>(m, "ModuleDifference")
         .def("Mode", onNetwork(&ModuleDifference::Mode))
@@ -77,15 +77,15 @@ void bindModes(py::module_& m) {
         .def("ReadDifference", onNetwork(&ModuleDifference::ReadDifference), WithoutGil());
 
     py::class_<NetworkBuffered>(m, "NetworkBuffered")
-        .def("EnabledCount", &NetworkBuffered::EnabledCount)
-        .def("Status", &NetworkBuffered::Status)
-        .def("MasterIndex", &NetworkBuffered::MasterIndex)
-        .def("setMasterIndex", &NetworkBuffered::setMasterIndex, py::arg("index"))
-        .def("SampleCount", &NetworkBuffered::SampleCount)
-        .def("SyncCount", &NetworkBuffered::SyncCount)
-        .def("Start", &NetworkBuffered::Start, WithoutGil())
-        .def("Sample", &NetworkBuffered::Sample, WithoutGil())
-        .def("Stop", &NetworkBuffered::Stop, WithoutGil());
+        .def("EnabledCount", onNetworkPart(&NetworkBuffered::EnabledCount))
+        .def("Status", onNetworkPart(&NetworkBuffered::Status))
+        .def("MasterIndex", onNetworkPart(&NetworkBuffered::MasterIndex))
+        .def("setMasterIndex", onNetworkPart(&NetworkBuffered::setMasterIndex), py::arg("index"))
+        .def("SampleCount", onNetworkPart(&NetworkBuffered::SampleCount))
+        .def("SyncCount", onNetworkPart(&NetworkBuffered::SyncCount))
+        .def("Start", onNetworkPart(&NetworkBuffered::Start), WithoutGil())
+        .def("Sample", onNetworkPart(&NetworkBuffered::Sample), WithoutGil())
+        .def("Stop", onNetworkPart(&NetworkBuffered::Stop), WithoutGil());
 
     py::class_<ModuleBuffered>(m, "ModuleBuffered")
         .def("Enabled", onNetwork(&ModuleBuffered::Enabled))

@@ -25,60 +25,77 @@ KavroModule* handOut(const KavroNetwork& network, KavroModule* module) {
     return module;
 }
 
+// A part of the network (its buffered or difference object), which lives
+// as long as the network.
+template <typename Part>
+auto networkPart(Part* (KavroNetwork::*get)() const) {
+    return [get](const KavroNetwork& network) {
+        ensureNetwork(&network);
+        Part* found = (network.*get)();
+        rememberNetworkPart(found, &network);
+        return found;
+    };
+}
+
 }  // namespace
 
 void bindNetworks(py::module_& m) {
     constexpr auto owned = py::return_value_policy::reference_internal;
     py::class_<KavroNetwork>(m, "KavroNetwork")
-        .def("Connect", &KavroNetwork::Connect, WithoutGil())
-        .def("Disconnect", &KavroNetwork::Disconnect, WithoutGil())
-        .def("DynamicCapable", &KavroNetwork::DynamicCapable)
-        .def("Dynamic2Capable", &KavroNetwork::Dynamic2Capable)
-        .def("DynamicExternalSourceCapable", &KavroNetwork::DynamicExternalSourceCapable)
-        .def("Description", &KavroNetwork::Description)
-        .def("NetworkName", &KavroNetwork::NetworkName)
-        .def("setNetworkName", &KavroNetwork::setNetworkName, py::arg("name"))
-        .def("ControllerID", &KavroNetwork::ControllerID)
-        .def("NetworkType", &KavroNetwork::NetworkType)
-        .def("IsConnected", &KavroNetwork::IsConnected)
-        .def("NetSpeed", &KavroNetwork::NetSpeed)
-        .def("MaximumAllowableNumberOfModules", &KavroNetwork::MaximumAllowableNumberOfModules)
-        .def("Buffered", &KavroNetwork::Buffered, owned)
-        .def("Difference", &KavroNetwork::Difference, owned)
-        .def("ModuleCount", &KavroNetwork::ModuleCount)
+        .def("Connect", onNetwork(&KavroNetwork::Connect), WithoutGil())
+        .def("Disconnect", onNetwork(&KavroNetwork::Disconnect), WithoutGil())
+        .def("DynamicCapable", onNetwork(&KavroNetwork::DynamicCapable))
+        .def("Dynamic2Capable", onNetwork(&KavroNetwork::Dynamic2Capable))
+        .def("DynamicExternalSourceCapable", onNetwork(&KavroNetwork::DynamicExternalSourceCapable))
+        .def("Description", onNetwork(&KavroNetwork::Description))
+        .def("NetworkName", onNetwork(&KavroNetwork::NetworkName))
+        .def("setNetworkName", onNetwork(&KavroNetwork::setNetworkName), py::arg("name"))
+        .def("ControllerID", onNetwork(&KavroNetwork::ControllerID))
+        .def("NetworkType", onNetwork(&KavroNetwork::NetworkType))
+        .def("IsConnected", onNetwork(&KavroNetwork::IsConnected))
+        .def("NetSpeed", onNetwork(&KavroNetwork::NetSpeed))
+        .def("MaximumAllowableNumberOfModules", onNetwork(&KavroNetwork::MaximumAllowableNumberOfModules))
+        .def("Buffered", networkPart(&KavroNetwork::Buffered), owned)
+        .def("Difference", networkPart(&KavroNetwork::Difference), owned)
+        .def("ModuleCount", onNetwork(&KavroNetwork::ModuleCount))
         .def(
             "GetModule",
-            [](const KavroNetwork& network, unsigned int index) { return handOut(network, network.GetModule(index)); },
+            [](const KavroNetwork& network, unsigned int index) {
+                ensureNetwork(&network);
+                return handOut(network, network.GetModule(index));
+            },
             owned, py::arg("index"))
         .def(
             "GetModuleByID",
             [](const KavroNetwork& network, std::string id) {
+                ensureNetwork(&network);
                 return handOut(network, network.GetModuleByID(std::move(id)));
             },
             owned, py::arg("id"))
-        .def("GetModuleIndexByID", &KavroNetwork::GetModuleIndexByID, py::arg("id"))
-        .def("AddModule", &KavroNetwork::AddModule, WithoutGil(), py::arg("id"), py::arg("name") = "")
-        .def("DeleteModule", py::overload_cast<int>(&KavroNetwork::DeleteModule), WithoutGil(), py::arg("index"))
-        .def("DeleteModule", py::overload_cast<std::string>(&KavroNetwork::DeleteModule), WithoutGil(),
+        .def("GetModuleIndexByID", onNetwork(&KavroNetwork::GetModuleIndexByID), py::arg("id"))
+        .def("AddModule", onNetwork(&KavroNetwork::AddModule), WithoutGil(), py::arg("id"), py::arg("name") = "")
+        .def("DeleteModule", onNetwork(py::overload_cast<int>(&KavroNetwork::DeleteModule)), WithoutGil(), py::arg("index"))
+        .def("DeleteModule", onNetwork(py::overload_cast<std::string>(&KavroNetwork::DeleteModule)), WithoutGil(),
              py::arg("id"))
-        .def("ClearModules", &KavroNetwork::ClearModules, WithoutGil())
-        .def("BufferedExternalSourceCapable", &KavroNetwork::BufferedExternalSourceCapable)
-        .def("BufferedCapable", &KavroNetwork::BufferedCapable)
-        .def("ReadBurstCapableCount", &KavroNetwork::ReadBurstCapableCount)
-        .def("ReadBurstCapable", &KavroNetwork::ReadBurstCapable)
-        .def("AvailableSpeeds", &KavroNetwork::AvailableSpeeds)
-        .def("SpeedAvailable", &KavroNetwork::SpeedAvailable, py::arg("speed"))
-        .def("setNetSpeed", &KavroNetwork::setNetSpeed, WithoutGil(), py::arg("speed"))
-        .def("BeginNotifying", &KavroNetwork::BeginNotifying, WithoutGil())
-        .def("Notifying", &KavroNetwork::Notifying)
-        .def("CancelNotifying", &KavroNetwork::CancelNotifying, WithoutGil())
-        .def("FindHotswapped", &KavroNetwork::FindHotswapped, WithoutGil())
-        .def("Ping", &KavroNetwork::Ping, WithoutGil())
-        .def("ApplyRemap", &KavroNetwork::ApplyRemap, WithoutGil())
-        .def("ClearTCons", &KavroNetwork::ClearTCons, WithoutGil())
+        .def("ClearModules", onNetwork(&KavroNetwork::ClearModules), WithoutGil())
+        .def("BufferedExternalSourceCapable", onNetwork(&KavroNetwork::BufferedExternalSourceCapable))
+        .def("BufferedCapable", onNetwork(&KavroNetwork::BufferedCapable))
+        .def("ReadBurstCapableCount", onNetwork(&KavroNetwork::ReadBurstCapableCount))
+        .def("ReadBurstCapable", onNetwork(&KavroNetwork::ReadBurstCapable))
+        .def("AvailableSpeeds", onNetwork(&KavroNetwork::AvailableSpeeds))
+        .def("SpeedAvailable", onNetwork(&KavroNetwork::SpeedAvailable), py::arg("speed"))
+        .def("setNetSpeed", onNetwork(&KavroNetwork::setNetSpeed), WithoutGil(), py::arg("speed"))
+        .def("BeginNotifying", onNetwork(&KavroNetwork::BeginNotifying), WithoutGil())
+        .def("Notifying", onNetwork(&KavroNetwork::Notifying))
+        .def("CancelNotifying", onNetwork(&KavroNetwork::CancelNotifying), WithoutGil())
+        .def("FindHotswapped", onNetwork(&KavroNetwork::FindHotswapped), WithoutGil())
+        .def("Ping", onNetwork(&KavroNetwork::Ping), WithoutGil())
+        .def("ApplyRemap", onNetwork(&KavroNetwork::ApplyRemap), WithoutGil())
+        .def("ClearTCons", onNetwork(&KavroNetwork::ClearTCons), WithoutGil())
         .def(
             "Readburst",
             [](KavroNetwork& network) {
+                ensureNetwork(&network);
                 int count = 0;
                 eKavroErrors error;
                 {
@@ -89,12 +106,13 @@ void bindNetworks(py::module_& m) {
             },
             "Reads every burst-capable module at once: (error, count); each module then holds its "
             "LastReadburst_ values.")
-        .def("Save", &KavroNetwork::Save, WithoutGil(), py::arg("path"))
-        .def("Load", &KavroNetwork::Load, WithoutGil(), py::arg("path"))
-        .def("__len__", &KavroNetwork::ModuleCount)
+        .def("Save", onNetwork(&KavroNetwork::Save), WithoutGil(), py::arg("path"))
+        .def("Load", onNetwork(&KavroNetwork::Load), WithoutGil(), py::arg("path"))
+        .def("__len__", onNetwork(&KavroNetwork::ModuleCount))
         .def(
             "__getitem__",
             [](const KavroNetwork& network, int index) {
+                ensureNetwork(&network);
                 if (index < 0 || index >= network.ModuleCount()) {
                     throw py::index_error("no module " + std::to_string(index));
                 }
@@ -102,6 +120,7 @@ void bindNetworks(py::module_& m) {
             },
             owned)
         .def("__repr__", [](const KavroNetwork& network) {
+            ensureNetwork(&network);
             return "<" + eNetworkType_ToString(network.NetworkType()) + " network '" + network.NetworkName() +
                    "', " + std::to_string(network.ModuleCount()) + " modules>";
         });

@@ -7,6 +7,7 @@
 #include "KavroServer.h"
 #include "PyBindings.h"
 #include "PyCallback.h"
+#include "PyModuleGuard.h"
 
 namespace kavro_python {
 
@@ -14,9 +15,21 @@ using namespace KavroLibrary;
 
 void bindServer(py::module_& m) {
     py::class_<KavroNetworks>(m, "KavroNetworks")
-        .def("FindNetworks", &KavroNetworks::FindNetworks, WithoutGil())
+        .def("FindNetworks",
+             [](KavroNetworks& networks) {
+                 renewingNetworks(&networks);
+                 py::gil_scoped_release released;
+                 networks.FindNetworks();
+             })
         .def("Count", &KavroNetworks::Count)
-        .def("Network", &KavroNetworks::Network, py::return_value_policy::reference_internal, py::arg("index"))
+        .def(
+            "Network",
+            [](const KavroNetworks& networks, unsigned int index) {
+                KavroNetwork* network = networks.Network(index);
+                rememberNetwork(network, &networks);
+                return network;
+            },
+            py::return_value_policy::reference_internal, py::arg("index"))
         .def("ConnectAll", &KavroNetworks::ConnectAll, WithoutGil())
         .def("DisconnectAll", &KavroNetworks::DisconnectAll, WithoutGil())
         .def("__len__", &KavroNetworks::Count)
@@ -24,7 +37,9 @@ void bindServer(py::module_& m) {
             "__getitem__",
             [](const KavroNetworks& networks, unsigned int index) {
                 if (index >= networks.Count()) throw py::index_error("no network " + std::to_string(index));
-                return networks.Network(index);
+                KavroNetwork* network = networks.Network(index);
+                rememberNetwork(network, &networks);
+                return network;
             },
             py::return_value_policy::reference_internal);
 

@@ -105,5 +105,11 @@ def test_usb_controllers_are_found_through_the_stand_in(tmp_path, monkeypatch):
         network = networks[0]
         network.Connect()
         network.AddModule("GP02000021")
-        assert (network.NetworkType(), network[0].ReadingInUnits()) == (kavro.eNetworkType.USBIM_Mk2, 0.75)
+        probe = network[0]
+        assert (network.NetworkType(), probe.ReadingInUnits()) == (kavro.eNetworkType.USBIM_Mk2, 0.75)
         networks.DisconnectAll()
+        networks.FindNetworks()  # a new network object for the same controller
+        assert len(networks) == 1
+        for call in (network.ModuleCount, probe.ModuleID, network.Buffered):
+            with pytest.raises(RuntimeError, match="no longer"):
+                call()
