@@ -66,6 +66,13 @@ void rememberPart(const void* part, const KavroModule* module) {
     parts().insert_or_assign(part, module);
 }
 
+void rememberPartOf(const void* part, const void* parent) {
+    if (part == nullptr) return;
+    std::lock_guard<std::mutex> guard(lock);
+    const auto found = parts().find(parent);
+    if (found != parts().end()) parts().insert_or_assign(part, found->second);
+}
+
 void rememberNetwork(const KavroNetwork* network, const KavroNetworks* collection) {
     if (network == nullptr) return;
     std::lock_guard<std::mutex> guard(lock);

@@ -20,6 +20,8 @@ namespace kavro_python {
 // status object), is handed to Python.
 void rememberModule(const KavroLibrary::KavroModule* module, const KavroLibrary::KavroNetwork* network);
 void rememberPart(const void* part, const KavroLibrary::KavroModule* module);
+// A part of a part (a wireless tool's settings), belonging to the same module.
+void rememberPartOf(const void* part, const void* parent);
 // A network of the collection, and a part of a network (its buffered,
 // difference or dynamic object).
 void rememberNetwork(const KavroLibrary::KavroNetwork* network, const KavroLibrary::KavroNetworks* collection);
