@@ -5,8 +5,6 @@
 #include <cstdlib>
 #include <memory>
 
-#include <pybind11/numpy.h>
-
 #include "KavroModule.h"
 #include "KavroNetwork.h"
 #include "ModuleBuffered.h"
@@ -15,27 +13,13 @@
 #include "NetworkDifference.h"
 #include "PyBindings.h"
 #include "PyModuleGuard.h"
+#include "PyReadingRecord.h"
 
 namespace kavro_python {
-
-// One reading as numpy holds it; `error` is an eKavroErrors value.
-struct ReadingRecord {
-    std::int32_t error;
-    std::int32_t counts;
-    double value;  // in units of measure
-};
 
 using namespace KavroLibrary;
 
 namespace {
-
-// numpy is imported on first use, so that `import kavro` works without it.
-void registerReadingRecord() {
-    static bool registered = false;  // under the GIL
-    if (registered) return;
-    PYBIND11_NUMPY_DTYPE(ReadingRecord, error, counts, value);
-    registered = true;
-}
 
 py::array_t<ReadingRecord> bufferedReadings(const ModuleBuffered& buffered) {
     ensurePart(&buffered);
@@ -45,7 +29,7 @@ py::array_t<ReadingRecord> bufferedReadings(const ModuleBuffered& buffered) {
     py::array_t<ReadingRecord> array(length < 0 ? 0 : length);
     ReadingRecord* out = array.mutable_data();
     for (int i = 0; i < length; ++i) {
-        out[i] = {static_cast<std::int32_t>(items.get()[i].error), items.get()[i].counts, items.get()[i].value};
+        out[i] = ReadingRecord::of(items.get()[i]);
     }
     return array;
 }
