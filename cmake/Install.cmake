@@ -3,6 +3,7 @@
 #   dev      headers, the .so link, pkg-config file and CMake package
 #   tools    kavro-sim, its scenarios and stand-in D2XX library, man pages,
 #            the udev rule (the command-line tools add themselves here)
+#   python   the Python package kavro (python/CMakeLists.txt)
 # Everything is found relative to where it is installed, so an install into
 # any prefix works, including a private one as an ordinary user.
 include(CMakePackageConfigHelpers)

@@ -3,6 +3,7 @@
 #   libkavrolibrary-dev  headers, pkg-config file, CMake package
 #   kavro-tools          kavro-sim and the command-line tools, man pages,
 #                        the udev rule
+#   python3-kavro        the Python package kavro (when KAVRO_BUILD_PYTHON is on)
 # scripts/package builds them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kavrolibrary)
@@ -34,4 +35,19 @@ set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "Tools for networks of digital measurement modules\n The kavro command-line tool, the kavro-sim simulated bus with its\n scenarios, their manual pages, and a udev rule that gives USB interface\n modules to the plugdev group and the seated user.")
 
 set(CPACK_COMPONENTS_ALL library dev tools)
+
+if(TARGET kavro_python)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-kavro)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    set(CPACK_COMPONENT_PYTHON_DEPENDS library)
+    # dpkg-shlibdeps cannot see the library in its sibling package; the
+    # component dependency names it, the rest is listed here.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "libc6, libstdc++6, python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+    # The stand-in D2XX library for simulated USB controllers comes with the tools.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS "kavro-tools, python3-matplotlib")
+    set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+        "Python bindings for networks of digital measurement modules\n The Python package kavro: the classes of libKavroLibrary for python3, with\n buffered read-outs and dynamic data as numpy arrays and the simulated bus\n in process.")
+    list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 include(CPack)

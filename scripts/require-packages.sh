@@ -2,6 +2,8 @@
 # build needs are present, installing them when run as root.
 # What every build needs; scripts ask for more by name (the tests, packaging).
 KAVRO_PACKAGES="cmake ninja-build g++ pkg-config libxml2-dev"
+# What the Python package kavro (-DKAVRO_BUILD_PYTHON=ON) needs to build, test and plot.
+KAVRO_PYTHON_PACKAGES="python3-dev pybind11-dev python3-pybind11 python3-numpy python3-pytest python3-matplotlib"
 
 kavro_require_packages() {
     local missing=""

@@ -50,4 +50,13 @@ cmake --build "$scratch/app/build" >/dev/null
     "$root/usr/bin/kavro-sim" --help >&2
     exit 1
 }
+# The Python package, when built, imports from the unpacked root and finds
+# the library there.
+if ls "$scratch"/debs/python3-kavro_*.deb >/dev/null 2>&1; then
+    PYTHONPATH="$(dirname "$(find "$root" -type d -name kavro -path '*dist-packages*')")" \
+        /usr/bin/python3 -c "import kavro; kavro.KavroServer().LibraryVersion()" || {
+        echo "the unpacked Python package does not import" >&2
+        exit 1
+    }
+fi
 echo "packages unpack and build the examples"

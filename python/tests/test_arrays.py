@@ -1,0 +1,58 @@
+"""Buffered read-outs come back as one numpy record array per call."""
+import numpy as np
+import pytest
+
+import kavro
+from conftest import wait_for
+
+
+def test_sample_run_gives_one_record_per_trigger(bench):
+    network, simulator = bench
+    probe = network.GetModuleByID("GP02000001")  # 2 mm, 14 bits
+    idle = network.GetModuleByID("GP05000002")
+    probe.Buffered().setMode(kavro.eBufferedMode.Sample)
+    probe.Buffered().setEnabled(True)
+    network.Buffered().Start()
+    cases = [  # signal, counts, value, error
+        (0.5, 4096, 0.5, kavro.eKavroErrors.NoError),
+        (-0.1, 0, 0.0, kavro.eKavroErrors.UnderRange),
+        (2.5, 16384, 2.0, kavro.eKavroErrors.OverRange),
+        (1.5, 12288, 1.5, kavro.eKavroErrors.NoError),
+    ]
+    for signal, *_ in cases:
+        simulator.set_signal("GP02000001", f"constant:{signal}")
+        before = simulator.requests("GP02000001")
+        network.Buffered().Sample()
+        # The trigger has no answer: wait until the bus has carried it.
+        assert wait_for(lambda: simulator.requests("GP02000001") > before)
+    network.Buffered().Stop()
+
+    readings = probe.Buffered().GetBufferedDataArray()
+    assert readings.dtype == np.dtype([("error", "<i4"), ("counts", "<i4"), ("value", "<f8")])
+    assert readings.shape == (len(cases),)
+    assert readings["counts"].tolist() == [c[1] for c in cases]
+    assert readings["value"] == pytest.approx([c[2] for c in cases])
+    assert readings["error"].tolist() == [c[3] for c in cases]
+    assert idle.Buffered().GetBufferedDataArray().shape == (0,)
+
+
+def test_sync_run_returns_every_reading_in_order(bench):
+    network, simulator = bench
+    ramp = network.GetModuleByID("GP10000003")  # 0 to 10 mm every 2 s
+    ramp.Buffered().setMode(kavro.eBufferedMode.Sync)
+    ramp.Buffered().setReadingInterval(1000)
+    ramp.Buffered().setEnabled(True)
+    network.Buffered().Start()
+    # More than one read-out reply's worth (120 readings).
+    assert wait_for(lambda: simulator.buffered_held("GP10000003") >= 130)
+    network.Buffered().Stop()
+
+    readings = ramp.Buffered().GetBufferedDataArray()
+    assert readings.shape == (ramp.Buffered().BufferedDataLength(),)
+    assert (readings["error"] == kavro.eKavroErrors.NoError).all()
+    assert len(readings) >= 130
+    # One reading an interval on a ramp of 5 mm a second (8192 counts of 14 bits over 10 mm).
+    step = 8192 * ramp.Buffered().ReadingInterval() / 1e6
+    steps = np.diff(readings["counts"])
+    assert ((np.abs(steps - step) <= 1) | (steps < 0)).all(), (step, steps)  # or wrapped to 0 once
+    assert readings["value"] == pytest.approx(readings["counts"] * 10 / 16384)
