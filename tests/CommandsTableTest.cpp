@@ -155,7 +155,11 @@ TEST(CommandsTable, FailedEmptyCutRefusedAndOversizedRepliesAreNotTakenAsAnswers
         EXPECT_EQ(row.EchoOnly, run(row, {0, {row.Echo}}).Code) << row.Name;
         // "!" without its error byte is no refusal code, just a bad reply.
         EXPECT_EQ(row.Checked ? 255u : 0u, run(row, {0, {'!'}}).Code) << row.Name;
-        EXPECT_EQ(row.Checked ? 0x2105u : 0u, run(row, {0, {'!', 0x05}}).Code) << row.Name;
+        // A refusal is the module's error, checked command or not; identify
+        // and get-info hand the "!" on as their echo, ping's caller sorts
+        // answers by their checksum.
+        const bool echoCarriesIt = row.Echo == 'I' || row.Echo == 'B' || row.Echo == ':';
+        EXPECT_EQ(echoCarriesIt ? 0u : 0x2105u, run(row, {0, {'!', 0x05}}).Code) << row.Name;
 
         Bytes big(600, 0);
         big[0] = row.Echo;

@@ -113,7 +113,7 @@ TEST_F(UsbLink, RepliesOf13And14Bytes) {
     EXPECT_EQ(20u, ftdi.readSizes().back());
 }
 
-// Catches reading a missing or short block as data, and overruns when the second block never comes.
+// Catches reading a missing or short block as data, and a link left out of step after a short second block.
 TEST_F(UsbLink, ShortOrMissingFirstBlockIsStatus255) {
     for (std::size_t got : {0, 19}) {
         if (got > 0) ftdi.scriptRead(Bytes(got, 0));
@@ -122,11 +122,19 @@ TEST_F(UsbLink, ShortOrMissingFirstBlockIsStatus255) {
         EXPECT_EQ(0u, reply.Length) << got;
         EXPECT_EQ(nullptr, reply.Data) << got;
     }
-    ftdi.scriptRead(replyBlock(600, 0, Bytes(13, 1)));
-    const ModuleReply reply = GetModuleCommandReply(&config, 0, false);
-    ASSERT_EQ(600u, reply.Length);
-    EXPECT_EQ(0, reply.Data[599]);
-    delete[] reply.Data;
+    // A second block that comes back short is no answer (its missing bytes
+    // would read as zeros), and the link is purged so that the late block
+    // cannot answer the next request.
+    for (std::size_t got : {0, 19}) {
+        ftdi.scriptRead(replyBlock(33, 0, Bytes(13, 1)));
+        if (got > 0) ftdi.scriptRead(Bytes(got, 1));
+        const int purgesBefore = ftdi.purges();
+        const ModuleReply reply = GetModuleCommandReply(&config, 0, false);
+        EXPECT_EQ(255u, reply.Status) << got;
+        EXPECT_EQ(0u, reply.Length) << got;
+        delete[] reply.Data;
+        EXPECT_EQ(purgesBefore + 1, ftdi.purges()) << got;
+    }
 }
 
 // Catches wrong bit-rate bytes, opcodes, read lengths and field offsets of controller requests.

@@ -34,8 +34,8 @@ KavroValueResult KavroCommands::KavroSetAddr(NetworkConfiguration* config, std::
     const CommandReply reply = fetchReply(config, 'S');
 
     KavroValueResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0 && reply.size() > 1) result.Value = reply.at(1);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0 && reply.size() > 1) result.Value = reply.at(1);
     return result;
 }
 
@@ -44,8 +44,8 @@ KavroIdentityResult KavroCommands::KavroNotify(NetworkConfiguration* config) {
     const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 11, 'N');
 
     KavroIdentityResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
     return result;
 }
 
@@ -81,8 +81,8 @@ KavroIdentityResult KavroCommands::KavroGetProbeID(NetworkConfiguration* config,
     const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 11, 'i');
 
     KavroIdentityResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
     return result;
 }
 

@@ -16,8 +16,8 @@ constexpr long kDirectionSettleMs = 1;
 // The value byte of an unchecked reply: byte 1 when the reply holds it.
 KavroValueResult valueResult(const CommandReply& reply) {
     KavroValueResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0 && reply.size() > 1) result.Value = reply.at(1);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0 && reply.size() > 1) result.Value = reply.at(1);
     return result;
 }
 
@@ -44,7 +44,7 @@ KavroValueResult KavroCommands::KavroClr(NetworkConfiguration* config, int addr)
     const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 2, 'C');
     const KavroValueResult result = valueResult(reply);
     // An answered clear means the module is now clearing; give it time.
-    if (reply.status() == 0) protocolSleepMs(kClearSettleMs);
+    if (result.LinkStatus == 0) protocolSleepMs(kClearSettleMs);
     return result;
 }
 

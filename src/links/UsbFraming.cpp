@@ -122,7 +122,15 @@ ModuleReply GetModuleCommandResponse(NetworkConfiguration* config, unsigned char
         appendRead(more, static_cast<int>(n), true);
         usbWrite(config, more.data(), more.size());
         std::vector<unsigned char> second(n, 0);
-        usbRead(config, second.data(), n);
+        if (usbRead(config, second.data(), n) < n) {
+            // Missing bytes are no zeros: no answer. The late rest would
+            // answer the next request, so the link is put back in step.
+            delete[] reply.Data;
+            reply = ModuleReply{};
+            reply.Status = 255;
+            if (ftdiTable().Purge != nullptr) ftdiTable().Purge(config->FtdiHandle, FT_PURGE_RX | FT_PURGE_TX);
+            return reply;
+        }
         std::memcpy(reply.Data + 13, second.data(), rest);
     }
     return reply;
