@@ -55,7 +55,7 @@ const std::vector<Row>& rows() {
         {"Ping", {':', 1, 0}, 0, 13, ':', ':', false, 0, 0, [](C c) { return K::Ping(c, 1).LinkStatus; }},
         {"Clr", {'C', 1}, 0, 2, 'C', 'C', false, 0, 0, [](C c) { return K::KavroClr(c, 1).LinkStatus; }},
         {"Direction", {'U', 1}, 0, 2, 'U', 'U', false, 0, 0, [](C c) { return K::KavroDirection(c, 1).LinkStatus; }},
-        {"SetMode", {'V', 1, 51, 0, 16, 0}, 0, 2, 'V', 'V', false, 0, 0,
+        {"SetMode", {'V', 1, 51, 0, 16, 0}, 0, 2, 'V', 'V', true, 255, 0,
          [](C c) { return K::KavroSetMode(c, 1, eSetModeMode::Resolution, 16).LinkStatus; }},
         {"RefMark", {'K', 1}, 0, 2, 0, 'K', true, 255, 0, [](C c) { return code(K::KavroRefMark(c, 1)); }},
         {"Preset", {'P', 1, 0x78, 0x56, 0x34, 0x12}, 0, 2, 0, 'P', true, 255, 0,

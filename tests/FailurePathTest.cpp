@@ -2,9 +2,15 @@
 // refusals, reconnects, hand-edited files.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <thread>
+
 #include "KavroException.h"
 #include "KavroModule.h"
 #include "KavroModuleDP.h"
+#include "KavroModuleStatus.h"
 #include "LinkRig.h"
 #include "KavroNetwork.h"
 #include "ModeTestRig.h"
@@ -12,6 +18,7 @@
 #include "ModuleDifference.h"
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
+#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
@@ -78,4 +85,56 @@ TEST(FailurePath, ConnectAfterAFailedReconnectStartsClean) {
     EXPECT_EQ(0, rig.network->ModuleCount());
     rig.network->AddModule("GPRECON001", "");
     EXPECT_EQ(4096, rig.network->GetModule(0)->ReadingInCounts());
+}
+
+// One exchange at a time per link: whatever thread asks, its request waits
+// while another exchange holds the link.
+TEST(FailurePath, EveryExchangeWaitsForTheLink) {
+    LinkRig rig(LinkKind::Ethernet, {modeProbe("GPLOCK0001", 2, 3, SimSignal::constant(0.5))});
+    ASSERT_TRUE(rig.network->IsConnected());
+    rig.network->AddModule("GPLOCK0001", "");
+    auto* probe = dynamic_cast<KavroModuleDP*>(rig.network->GetModule(0));
+    ASSERT_NE(nullptr, probe);
+    const std::vector<std::pair<const char*, std::function<void()>>> operations{
+        {"GetProbeID", [&] { probe->GetProbeID(); }},
+        {"UpdateStatus", [&] { probe->ModuleStatus()->UpdateStatus(); }},
+        {"setAveraging", [&] { probe->setAveraging(eAveraging::average8); }},
+        {"setNetSpeed", [&] { rig.network->setNetSpeed(eNetSpeed::High); }},
+    };
+    for (const auto& operation : operations) {
+        SCOPED_TRACE(operation.first);
+        std::unique_lock<std::mutex> held(rig.network->Configuration()->LinkLock);
+        const std::uint64_t before = rig.controller().requestCount();
+        std::atomic<bool> done{false};
+        std::thread caller([&] {
+            operation.second();
+            done = true;
+        });
+        // Nothing reaches the bus while the link is held.
+        EXPECT_FALSE(rig.controller().waitForRequestCount(before + 1, std::chrono::milliseconds(150)));
+        held.unlock();
+        EXPECT_TRUE(waitFor([&] { return done.load(); }, std::chrono::seconds(5)));
+        caller.join();
+    }
+}
+
+// A notification still ending keeps the link: a new one waits for it.
+TEST(FailurePath, BeginNotifyingWaitsForAPendingEnd) {
+    LinkRig rig(LinkKind::Ethernet, {});
+    ASSERT_TRUE(rig.network->IsConnected());
+    NetworkConfiguration* config = rig.network->Configuration();
+    config->ActiveOperation = OperationNotifyEnding;
+    std::atomic<bool> begun{false};
+    std::thread caller([&] {
+        rig.network->BeginNotifying();
+        begun = true;
+    });
+    EXPECT_FALSE(waitFor([&] { return begun.load(); }, std::chrono::milliseconds(150)));
+    EXPECT_EQ(OperationNotifyEnding, config->ActiveOperation.load());
+    config->ActiveOperation = OperationIdle;  // the ending thread's last word
+    EXPECT_TRUE(waitFor([&] { return begun.load(); }, std::chrono::seconds(5)));
+    caller.join();
+    EXPECT_TRUE(rig.network->Notifying());
+    rig.network->CancelNotifying();
+    EXPECT_FALSE(rig.network->Notifying());
 }

@@ -4,7 +4,6 @@
 
 #include "commands/CommandExchange.h"
 #include "commands/KavroCommands.h"
-#include "core/ProtocolSleep.h"
 
 namespace KavroLibrary {
 
@@ -28,10 +27,9 @@ KavroValueResult KavroCommands::KavroSetAddr(NetworkConfiguration* config, std::
     unsigned char data[13] = {'S', lowByte(newAddress)};
     std::memcpy(data + 2, identity.data(), kIdentityLength);
     data[12] = 0x00;
-    sendCommand(config, CommandWithReply, data, sizeof data, 2);
     // Every module compares the identity before the addressed one answers.
-    protocolSleepMs(kSetAddressSettleMs);
-    const CommandReply reply = fetchReply(config, 'S');
+    const CommandReply reply =
+        exchange(config, CommandWithReply, data, sizeof data, 2, 'S', false, kSetAddressSettleMs);
 
     KavroValueResult result;
     result.LinkStatus = reply.linkStatus();

@@ -74,7 +74,12 @@ KavroValueResult KavroCommands::KavroSetMode(NetworkConfiguration* config, int a
     const int modeNumber = static_cast<int>(mode);
     unsigned char data[6] = {
         'V', lowByte(addr), lowByte(modeNumber), lowByte(modeNumber >> 8), lowByte(argument), lowByte(argument >> 8)};
-    return valueResult(exchange(config, CommandWithReply, data, sizeof data, 2, 'V'));
+    const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 2, 'V');
+    KavroValueResult result = valueResult(reply);
+    // Links that do not check the echo themselves (USB) must not take a
+    // wrong first byte for a mode that was set.
+    if (result.LinkStatus == 0) result.LinkStatus = reply.moduleError('V', 1);
+    return result;
 }
 
 void KavroCommands::KavroControl(NetworkConfiguration* config, eKavroControlAction action) {

@@ -10,6 +10,7 @@
 #include "core/ErrorDictionary.h"
 #include "core/ProtocolSleep.h"
 #include "links/NetworkConfiguration.h"
+#include "links/LinkDispatch.h"
 
 namespace KavroLibrary {
 
@@ -143,7 +144,7 @@ void NetworkBuffered::SendStartBufferedMode() {
     }
     if (masterIndex_ >= 0) {
         SetupBufferedMaster(moduleAt(network_, masterIndex_));
-        if (config->SetIdle != nullptr) config->SetIdle(config);
+        ControllerSetIdle(config);
     }
 }
 

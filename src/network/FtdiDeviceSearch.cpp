@@ -10,6 +10,7 @@ namespace KavroLibrary {
 namespace {
 
 constexpr char kDescriptionPrefix[] = "Pellaquin USBIM";
+constexpr DWORD kFlagOpened = 1;
 
 // Channel A is wired to the controller: the description's last non-blank
 // character names the channel.
@@ -44,7 +45,9 @@ void FTDICommunications::FindDevices(std::vector<KavroNetwork*>& networks) {
             continue;
         }
         description[64] = '\0';
-        if (type != FT_DEVICE_2232H || flags != 0) continue;
+        // Bit 0 says another program has the device open; bit 1 only that
+        // it runs at high speed, as every free FT2232H does.
+        if (type != FT_DEVICE_2232H || (flags & kFlagOpened) != 0) continue;
         if (std::strncmp(description, kDescriptionPrefix, sizeof kDescriptionPrefix - 1) != 0) continue;
         if (!isChannelA(description)) continue;
 

@@ -9,6 +9,7 @@
 #include "modules/ModuleIdentification.h"
 #include "network/ModuleFactory.h"
 #include "readings/KavroReadType.h"
+#include "links/LinkDispatch.h"
 
 namespace KavroLibrary {
 
@@ -100,7 +101,7 @@ void KavroNetwork::ClearModules() {
     // Without an open link there is no bus to reset.
     if (!config_->Connected) return;
     KavroCommands::KavroRst(config_.get());
-    if (config_->SetSpeed != nullptr) config_->SetSpeed(config_.get(), config_->NetSpeed);
+    ControllerSetSpeed(config_.get(), config_->NetSpeed);
 }
 
 }  // namespace KavroLibrary
