@@ -117,10 +117,12 @@ TEST_F(UsbLink, RepliesOf13And14Bytes) {
 TEST_F(UsbLink, ShortOrMissingFirstBlockIsStatus255) {
     for (std::size_t got : {0, 19}) {
         if (got > 0) ftdi.scriptRead(Bytes(got, 0));
+        const int purgesBefore = ftdi.purges();
         const ModuleReply reply = GetModuleCommandReply(&config, 0, false);
         EXPECT_EQ(255u, reply.Status) << got;
         EXPECT_EQ(0u, reply.Length) << got;
         EXPECT_EQ(nullptr, reply.Data) << got;
+        EXPECT_EQ(purgesBefore + 1, ftdi.purges()) << "a late block must not answer the next request";
     }
     // A second block that comes back short is no answer (its missing bytes
     // would read as zeros), and the link is purged so that the late block

@@ -32,7 +32,7 @@ KavroValueResult KavroCommands::KavroSetAddr(NetworkConfiguration* config, std::
         exchange(config, CommandWithReply, data, sizeof data, 2, 'S', false, kSetAddressSettleMs);
 
     KavroValueResult result;
-    result.LinkStatus = reply.linkStatus();
+    result.LinkStatus = reply.echoedStatus('S');
     if (result.LinkStatus == 0 && reply.size() > 1) result.Value = reply.at(1);
     return result;
 }

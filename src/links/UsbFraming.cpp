@@ -43,6 +43,10 @@ void appendRead(std::vector<unsigned char>& out, int count, bool flush) {
     if (flush) out.push_back(kMpsseFlush);
 }
 
+void purgeLink(NetworkConfiguration* config) {
+    if (ftdiTable().Purge != nullptr) ftdiTable().Purge(config->FtdiHandle, FT_PURGE_RX | FT_PURGE_TX);
+}
+
 std::uint32_t le32(const unsigned char* p) {
     return static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
            (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24);
@@ -105,6 +109,8 @@ ModuleReply GetModuleCommandResponse(NetworkConfiguration* config, unsigned char
     usbWrite(config, request.data(), request.size());
     unsigned char first[kUsbBlockSize];
     if (usbRead(config, first, sizeof first) < kUsbBlockSize) {
+        // A late answer would otherwise answer the next request.
+        purgeLink(config);
         reply.Status = 255;
         reply.Length = 0;
         reply.Data = nullptr;
@@ -128,7 +134,7 @@ ModuleReply GetModuleCommandResponse(NetworkConfiguration* config, unsigned char
             delete[] reply.Data;
             reply = ModuleReply{};
             reply.Status = 255;
-            if (ftdiTable().Purge != nullptr) ftdiTable().Purge(config->FtdiHandle, FT_PURGE_RX | FT_PURGE_TX);
+            purgeLink(config);
             return reply;
         }
         std::memcpy(reply.Data + 13, second.data(), rest);
