@@ -6,6 +6,7 @@
 
 #include "RecordingFtdi.h"
 #include "links/Crc16.h"
+#include "links/FtdiCommunications.h"
 #include "links/LinkDispatch.h"
 #include "links/UsbFraming.h"
 
@@ -212,4 +213,66 @@ TEST(RxPacket, ReadInstructionsForAFullPacket) {
     SetupRxPacket_CRC(&config, position, 15, buffer, false);
     EXPECT_EQ(9u, position);
     EXPECT_EQ(0x13, buffer[6]) << "the second read is never shorter than 20 bytes";
+}
+
+namespace {
+
+// A device that takes every set-up call but whose engine never answers the
+// 0xAB probe, or whose transmit queue never empties.
+struct DeadEngine {
+    static inline bool answers = false;
+    static inline bool drains = true;
+    static FT_STATUS ok(FT_HANDLE) { return FT_OK; }
+    static FT_STATUS purge(FT_HANDLE, ULONG) { return FT_OK; }
+    static FT_STATUS chars(FT_HANDLE, UCHAR, UCHAR, UCHAR, UCHAR) { return FT_OK; }
+    static FT_STATUS timeouts(FT_HANDLE, ULONG, ULONG) { return FT_OK; }
+    static FT_STATUS flow(FT_HANDLE, USHORT, UCHAR, UCHAR) { return FT_OK; }
+    static FT_STATUS bitMode(FT_HANDLE, UCHAR, UCHAR) { return FT_OK; }
+    static FT_STATUS write(FT_HANDLE, void*, DWORD count, LPDWORD written) {
+        *written = count;
+        return FT_OK;
+    }
+    static FT_STATUS read(FT_HANDLE, void*, DWORD count, LPDWORD got) {
+        *got = count;
+        return FT_OK;
+    }
+    static FT_STATUS queue(FT_HANDLE, DWORD* waiting) {
+        *waiting = answers ? 2 : 0;
+        return FT_OK;
+    }
+    static FT_STATUS status(FT_HANDLE, DWORD* rx, DWORD* tx, DWORD* events) {
+        *rx = 0;
+        *tx = drains ? 0 : 1;
+        *events = 0;
+        return FT_OK;
+    }
+};
+
+}  // namespace
+
+// Catches an MPSSE set-up that carries on after its waits gave up.
+TEST(UsbSetup, WaitsThatGiveUpAreErrors) {
+    FtdiApi table;
+    table.ResetDevice = DeadEngine::ok;
+    table.Purge = DeadEngine::purge;
+    table.SetChars = DeadEngine::chars;
+    table.SetTimeouts = DeadEngine::timeouts;
+    table.SetFlowControl = DeadEngine::flow;
+    table.SetBitMode = DeadEngine::bitMode;
+    table.Write = DeadEngine::write;
+    table.Read = DeadEngine::read;
+    table.GetQueueStatus = DeadEngine::queue;
+    table.GetStatus = DeadEngine::status;
+    ftdiInstall(&table);
+    NetworkConfiguration config(0, "usb");
+    const struct {
+        bool answers, drains;
+        bool fine;
+    } cases[] = {{true, true, true}, {false, true, false}, {true, false, false}};
+    for (const auto& c : cases) {
+        DeadEngine::answers = c.answers;
+        DeadEngine::drains = c.drains;
+        EXPECT_EQ(c.fine, SetupSPI(nullptr, &config) == FT_OK) << c.answers << c.drains;
+    }
+    ftdiInstall(nullptr);
 }
