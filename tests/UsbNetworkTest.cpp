@@ -162,3 +162,18 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     EXPECT_EQ(0, controller.module("GP02000001")->address());
     EXPECT_EQ(0u, listedFlags(standIn, 0));
 }
+
+// Catches talking to another controller after devices moved since the search.
+TEST(UsbNetwork, ADeviceThatMovedIsNotTakenForAnother) {
+    UsbStandIn standIn("controller usb identity=USBSIM0011 serial=SERIALONE channel-b=none\n"
+                       "controller usb identity=USBSIM0012 serial=SERIALTWO channel-b=none\n");
+    Found found;
+    FTDICommunications().FindDevices(found.networks);
+    ASSERT_EQ(2u, found.networks.size());
+    // The first controller is unplugged: the second now lists as device 0.
+    ASSERT_EQ(1, UsbStandIn::load("controller usb identity=USBSIM0012 serial=SERIALTWO channel-b=none\n"));
+    DiagnosticCapture errors;
+    found.networks[0]->Connect();
+    EXPECT_FALSE(found.networks[0]->IsConnected());
+    EXPECT_NE(std::string::npos, errors.text().find("SERIALONEA is no longer device 0")) << errors.text();
+}

@@ -137,6 +137,20 @@ FT_STATUS FTDICommunications::Open(NetworkConfiguration* config) {
         if (handle != nullptr) api().Close(handle);
         return FT_DEVICE_NOT_OPENED;
     }
+    // Devices plugged in or out since the search move the indices: talk only
+    // to the controller that was found.
+    if (!config->DeviceSerial.empty() && api().GetDeviceInfo != nullptr) {
+        DWORD type = 0;
+        DWORD id = 0;
+        char serial[64] = {};
+        char description[65] = {};
+        if (api().GetDeviceInfo(handle, &type, &id, serial, description, nullptr) != FT_OK ||
+            config->DeviceSerial != std::string(serial, strnlen(serial, sizeof serial))) {
+            diagnostic("USB interface module ", config->DeviceSerial, " is no longer device ", config->DeviceIndex);
+            api().Close(handle);
+            return FT_DEVICE_NOT_OPENED;
+        }
+    }
     if (GetModuleTypeController(handle) != "USB2") {
         api().Close(handle);
         return FT_DEVICE_NOT_OPENED;

@@ -54,7 +54,11 @@ void FTDICommunications::FindDevices(std::vector<KavroNetwork*>& networks) {
         void* handle = nullptr;
         const bool usable =
             ResetupDevice(handle, static_cast<int>(i)) == FT_OK && GetModuleTypeController(handle) == "USB2";
-        if (usable) networks.push_back(new KavroNetworkUSBIM(static_cast<int>(networks.size()), static_cast<int>(i)));
+        if (usable) {
+            auto* network = new KavroNetworkUSBIM(static_cast<int>(networks.size()), static_cast<int>(i));
+            network->Configuration()->DeviceSerial.assign(serial, strnlen(serial, sizeof serial));
+            networks.push_back(network);
+        }
         if (handle != nullptr) api.Close(handle);
     }
 }
