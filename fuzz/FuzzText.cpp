@@ -14,10 +14,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
     try {
         switch (data[0] % 4) {
-            case 0: KavroNumberStrToInt(text); break;
-            case 1: KavroNumberStrToDouble(text); break;
-            case 2: StringSplit(StringTrim(text), ','); break;
-            default: EscapeXML(UnEscapeXML(text)); break;
+            case 0:
+                KavroNumberStrToInt(text);
+                break;
+            case 1:
+                KavroNumberStrToDouble(text);
+                break;
+            case 2:
+                StringSplit(StringTrim(text), ',');
+                break;
+            default:
+                EscapeXML(UnEscapeXML(text));
+                break;
         }
     } catch (const std::exception&) {
         // A clear refusal is the wanted outcome for bad text.

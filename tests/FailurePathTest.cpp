@@ -1,5 +1,5 @@
 // Failure paths a long-running station meets: networks dropped mid-run,
-// refusals, reconnects, hand-edited files.
+// refusals, reconnects, threads sharing one link.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,8 +11,8 @@
 #include "KavroModule.h"
 #include "KavroModuleDP.h"
 #include "KavroModuleStatus.h"
-#include "LinkRig.h"
 #include "KavroNetwork.h"
+#include "LinkRig.h"
 #include "ModeTestRig.h"
 #include "ModuleBuffered.h"
 #include "ModuleDifference.h"

@@ -92,8 +92,8 @@ std::string cellName(const ::testing::TestParamInfo<MatrixCell>& cell) {
 
 TEST_P(FaultMatrix, TheCallerGetsTheErrorInTimeAndTheNetworkGoesOn) {
     const auto [kind, operation] = GetParam();
-    LinkRig rig(kind, {modeProbe(kFirst, 2, 3, SimSignal::constant(0.5)),
-                       modeProbe(kSecond, 2, 3, SimSignal::constant(1.0))});
+    LinkRig rig(
+        kind, {modeProbe(kFirst, 2, 3, SimSignal::constant(0.5)), modeProbe(kSecond, 2, 3, SimSignal::constant(1.0))});
     ASSERT_TRUE(rig.network->IsConnected());
     rig.network->AddModule(kFirst, "");
     ASSERT_EQ(0u, run(rig, operation)) << "without a fault";
@@ -137,9 +137,8 @@ TEST_P(FaultMatrix, TheCallerGetsTheErrorInTimeAndTheNetworkGoesOn) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    AllLinks, FaultMatrix,
-    ::testing::Combine(::testing::Values(LinkKind::Usb, LinkKind::Ethernet, LinkKind::Serial),
-                       ::testing::Values(Operation::Read, Operation::Readburst, Operation::SetMode,
-                                         Operation::AddModule)),
-    cellName);
+INSTANTIATE_TEST_SUITE_P(AllLinks, FaultMatrix,
+                         ::testing::Combine(::testing::Values(LinkKind::Usb, LinkKind::Ethernet, LinkKind::Serial),
+                                            ::testing::Values(Operation::Read, Operation::Readburst, Operation::SetMode,
+                                                              Operation::AddModule)),
+                         cellName);

@@ -165,8 +165,9 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
 
 // Catches talking to another controller after devices moved since the search.
 TEST(UsbNetwork, ADeviceThatMovedIsNotTakenForAnother) {
-    UsbStandIn standIn("controller usb identity=USBSIM0011 serial=SERIALONE channel-b=none\n"
-                       "controller usb identity=USBSIM0012 serial=SERIALTWO channel-b=none\n");
+    UsbStandIn standIn(
+        "controller usb identity=USBSIM0011 serial=SERIALONE channel-b=none\n"
+        "controller usb identity=USBSIM0012 serial=SERIALTWO channel-b=none\n");
     Found found;
     FTDICommunications().FindDevices(found.networks);
     ASSERT_EQ(2u, found.networks.size());

@@ -1,8 +1,8 @@
 // The exported functions of the stand-in libftd2xx.so: the D2XX calls over
 // the process's simulated USB devices, and the control functions of
 // KavroSimUsb.h. Nothing thrown inside may cross into the C caller.
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <mutex>

@@ -61,7 +61,7 @@ struct NetworkConfiguration {
     void* FtdiHandle = nullptr;
     int DeviceIndex = -1;      // FTDI device index (USB link)
     std::string DeviceSerial;  // its serial number when found (USB link)
-    int PacketNumber = 0;  // 0..7
+    int PacketNumber = 0;      // 0..7
     unsigned char PacketCrc = 0;
     unsigned char DynamicRequestFlags = 0;
     std::uint16_t ExtraReplyBytes = 0;

@@ -9,8 +9,8 @@
 #include "commands/KavroCommands.h"
 #include "core/ErrorDictionary.h"
 #include "core/ProtocolSleep.h"
-#include "links/NetworkConfiguration.h"
 #include "links/LinkDispatch.h"
+#include "links/NetworkConfiguration.h"
 
 namespace KavroLibrary {
 

@@ -5,8 +5,8 @@
 #include "KavroDynamic.h"
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
-#include "links/NetworkConfiguration.h"
 #include "core/Diagnostics.h"
+#include "links/NetworkConfiguration.h"
 #include "network/InitNetwork.h"
 #include "network/NotificationGate.h"
 

@@ -5,11 +5,11 @@
 #include "KavroModuleDP.h"
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
+#include "links/LinkDispatch.h"
 #include "links/NetworkConfiguration.h"
 #include "modules/ModuleIdentification.h"
 #include "network/ModuleFactory.h"
 #include "readings/KavroReadType.h"
-#include "links/LinkDispatch.h"
 
 namespace KavroLibrary {
 

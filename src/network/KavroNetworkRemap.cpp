@@ -5,9 +5,9 @@
 
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
+#include "links/LinkDispatch.h"
 #include "links/NetworkConfiguration.h"
 #include "network/BusSpeedGuard.h"
-#include "links/LinkDispatch.h"
 
 namespace KavroLibrary {
 

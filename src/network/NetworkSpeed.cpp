@@ -5,8 +5,8 @@
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
 #include "core/ProtocolSleep.h"
-#include "links/NetworkConfiguration.h"
 #include "links/LinkDispatch.h"
+#include "links/NetworkConfiguration.h"
 
 namespace KavroLibrary {
 
