@@ -127,6 +127,12 @@ protected:
 
 private:
     void waitForNotificationEnd();
+    // setNetSpeed's work; the ending notification thread may call it while
+    // the operation says so.
+    void applyNetSpeed(eNetSpeed speed, bool fromEndingNotification);
+    // Ends a difference or buffered run as well as the bus allows, so that a
+    // network can be let go mid-run; never throws.
+    void stopRunningMode() noexcept;
 
     // Guards every change of the module list and every look at it that the
     // application may make while the notification thread runs.

@@ -25,10 +25,12 @@ std::string element(const std::string& type, const std::string& children = "") {
     return "    <network controllertype=\"" + type + "\">" + children + "</network>\n";
 }
 
-// Finds the networks quietly (no USB library may be there to report).
-void find(KavroNetworks& networks) {
+// Finds the networks quietly (no USB library may be there to report);
+// returns what was reported.
+std::string find(KavroNetworks& networks) {
     DiagnosticCapture quiet;
     networks.FindNetworks();
+    return quiet.text();
 }
 
 }  // namespace
@@ -50,6 +52,7 @@ TEST(ConfigurationDiscovery, PerUserThenSystemWithTheDefaultsOfEachKind) {
         element("RS232IM", "<networkname>Bench</networkname><comport>/dev/ttyUSB3</comport><baud>57600</baud>");
     home.writeUserFile(
         "<?xml version=\"1.0\"?>\n<settings>\n  <networks>\n" + element("RS232IM") + bench +
+        element("RS232IM", "<networkname>Typo</networkname><baud>fast</baud>") +
         element("USBIM", "<networkname>never from a file</networkname>") + element("ethim") + element("") +
         "    <network><networkname>no type</networkname></network>\n" +
         element("ETHIM",
@@ -62,7 +65,9 @@ TEST(ConfigurationDiscovery, PerUserThenSystemWithTheDefaultsOfEachKind) {
     home.writeSystemFile(ConfigurationHome::settings(
         element("ETHIM", "<networkname>Shared</networkname><address>10.0.0.9</address>") + bench));
 
-    find(networks);
+    // The entry whose baud is no number is reported once and skipped.
+    const std::string reported = find(networks);
+    EXPECT_NE(std::string::npos, reported.find("Skipping network entry 3 of ")) << reported;
     ASSERT_EQ(7u, networks.Count());
     struct Expected {
         const std::type_info& kind;

@@ -19,7 +19,7 @@ struct ModeTestRig : SimNetworkRig {
 
     ~ModeTestRig() {
         // A failed test may leave a mode running; the network must be idle to go.
-        network->Configuration()->ActiveOperation = KavroLibrary::OperationIdle;
+        if (network) network->Configuration()->ActiveOperation = KavroLibrary::OperationIdle;
     }
 
     KavroLibrary::KavroModule* module(int index) const { return network->GetModule(static_cast<unsigned>(index)); }

@@ -191,10 +191,10 @@ TEST(Readburst, ReadsTheLeadingCapableModulesWithTheirStatus) {
     EXPECT_NEAR(-1.5, negative->LastReadburst_InUnitsOfMeasure(), 1e-9);
     EXPECT_EQ("No readburst data available.", messageOf([&] { notCapable->LastReadburst_InCounts(); }));
 
-    // A burst that fails marks the modules it asked for with the link's error.
+    // A refused burst marks the modules it asked for with the module's error.
     rig.controller.injectFault(SimFault::errorReply(0x05).only('T'));
-    EXPECT_EQ(eKavroErrors::Timeout, network.Readburst(count));
-    EXPECT_EQ(255, good->LastReadburst_Error());
+    EXPECT_EQ(static_cast<eKavroErrors>(0x2105), network.Readburst(count));
+    EXPECT_EQ(0x2105, good->LastReadburst_Error());
 
     // With the first module not capable nothing is sent.
     for (int i = 0; i < 3; ++i) network.DeleteModule(0);

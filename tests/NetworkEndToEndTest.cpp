@@ -128,14 +128,13 @@ TEST(NetworkEndToEnd, ProbeAveragingAndResolution) {
     EXPECT_EQ(eAveraging::average64, dp->Averaging());
     dp->setAveraging(eAveraging::average4);
     EXPECT_EQ(4, controller.module("GP00000031")->averaging());
-    // The Ethernet link expects the echo of set mode: a refusal is no answer.
     controller.injectFault(SimFault::errorReply(0x60).only('V'));
     try {
         dp->setAveraging(eAveraging::average256);
         FAIL() << "expected the probe's refusal";
     } catch (const KavroException& error) {
-        EXPECT_EQ(static_cast<int>(eKavroErrors::Timeout), error.ErrorCode);
-        EXPECT_EQ("No reply from the module within the time-out.", error.Message);
+        EXPECT_EQ(0x2160, error.ErrorCode);
+        EXPECT_EQ("The averaging value is not valid.", error.Message);
     }
     EXPECT_EQ(eAveraging::average4, dp->Averaging());
     EXPECT_EQ(4, controller.module("GP00000031")->averaging());

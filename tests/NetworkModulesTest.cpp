@@ -3,6 +3,8 @@
 
 #include "MessageOf.h"
 
+#include <chrono>
+#include <thread>
 #include <typeinfo>
 
 #include "KavroModuleAGM.h"
@@ -206,11 +208,18 @@ TEST(NetworkSpeed, AdditionsDropToLowAndChangesReachEveryModule) {
     fake.config()->ActiveOperation = OperationDifference;
     EXPECT_EQ("Cannot change network speed whilst performing an Kavro operation.",
               messageOf([&] { fake.network.setNetSpeed(eNetSpeed::Low); }));
-    // The end of a notification restores its speed.
+    // A notification still ending restores its own speed first: the
+    // application's change waits for it.
     fake.config()->ActiveOperation = OperationNotifyEnding;
-    fake.network.setNetSpeed(eNetSpeed::Low);
-    EXPECT_EQ(eNetSpeed::Low, fake.network.NetSpeed());
+    std::thread change([&] { fake.network.setNetSpeed(eNetSpeed::Low); });
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(150);
+    while (std::chrono::steady_clock::now() < deadline && fake.network.NetSpeed() != eNetSpeed::Low) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(eNetSpeed::High, fake.network.NetSpeed());
     fake.config()->ActiveOperation = OperationIdle;
+    change.join();
+    EXPECT_EQ(eNetSpeed::Low, fake.network.NetSpeed());
 }
 
 TEST(DeleteModule, LaterModulesMoveDownOneAddressAndClearResetsTheBus) {

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <libxml/xmlerror.h>
+
 #include "KavroModuleDP.h"
 #include "ModuleBuffered.h"
 #include "SimNetworkRig.h"
@@ -29,6 +31,14 @@ std::string repeated(const std::string& text, std::size_t times) {
     for (std::size_t i = 0; i < times; ++i) out += text;
     return out;
 }
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t at = text.find(from);
+    if (at == std::string::npos) throw std::runtime_error("no " + from);
+    return text.replace(at, from.size(), to);
+}
+
+void applicationXmlErrors(void*, const char*, ...) {}
 
 KavroModuleDP& probeAt(KavroNetwork& network, unsigned int index) {
     auto* probe = dynamic_cast<KavroModuleDP*>(network.GetModule(index));
@@ -160,6 +170,10 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
     network.AddModule("GP00000321", "Stays");
     KavroModule* module = network.GetModule(0);
     const std::string description = network.Description();
+    // The application's own libxml2 handlers survive our reads and writes.
+    int applicationContext = 0;
+    const xmlGenericErrorFunc applicationHandler = applicationXmlErrors;
+    xmlSetGenericErrorFunc(&applicationContext, applicationHandler);
 
     TempDir folder;
     network.Save(folder.write("good.xml", ""));
@@ -182,6 +196,7 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
          "<?xml version=\"1.0\"?>\n<!DOCTYPE r [<!ENTITY % p SYSTEM \"http://127.0.0.1:9/p.dtd\"> %p;]>\n"
          "<r/>\n"},
         {"laughs.xml", laughs},
+        {"underscore.xml", replaced(good, ">Stays<", ">St_ays<")},
         {"deep.xml", repeated("<d>", 5000) + repeated("</d>", 5000)},
         {"unclosed.xml", "<?xml version=\"1.0\"?>\n<Network_X><Modules>\n" +
                              repeated(unclosed, 10 * 1024 * 1024 / unclosed.size() + 1)},
@@ -199,5 +214,7 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
     EXPECT_EQ("Stays", module->ModuleName());
     EXPECT_EQ(description, network.Description());
     EXPECT_TRUE(rig.controller.requestLog().empty()) << "the bus was not touched";
+    EXPECT_TRUE(xmlGenericError == applicationHandler && xmlGenericErrorContext == &applicationContext);
+    xmlSetGenericErrorFunc(nullptr, nullptr);
     EXPECT_EQ(1, rig.controller.module("GP00000321")->address());
 }

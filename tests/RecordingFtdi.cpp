@@ -12,6 +12,7 @@ RecordingFtdi::RecordingFtdi() {
     FtdiApi table;
     table.Write = &RecordingFtdi::write;
     table.Read = &RecordingFtdi::read;
+    table.Purge = &RecordingFtdi::purge;
     ftdiInstall(&table);
 }
 
@@ -36,5 +37,10 @@ FT_STATUS RecordingFtdi::read(FT_HANDLE, void* buffer, DWORD count, LPDWORD got)
     const DWORD n = std::min<DWORD>(count, static_cast<DWORD>(next.size()));
     std::memcpy(buffer, next.data(), n);
     *got = n;
+    return FT_OK;
+}
+
+FT_STATUS RecordingFtdi::purge(FT_HANDLE, ULONG) {
+    ++current_->purges_;
     return FT_OK;
 }

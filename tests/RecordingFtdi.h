@@ -23,6 +23,7 @@ public:
     const std::vector<Bytes>& writes() const { return writes_; }
     const std::vector<KavroLibrary::DWORD>& readSizes() const { return readSizes_; }
     std::size_t pendingReads() const { return reads_.size(); }
+    int purges() const { return purges_; }
 
 private:
     static RecordingFtdi* current_;
@@ -30,8 +31,10 @@ private:
                                          KavroLibrary::LPDWORD written);
     static KavroLibrary::FT_STATUS read(KavroLibrary::FT_HANDLE, void* buffer, KavroLibrary::DWORD count,
                                         KavroLibrary::LPDWORD got);
+    static KavroLibrary::FT_STATUS purge(KavroLibrary::FT_HANDLE, KavroLibrary::ULONG);
 
     std::deque<Bytes> reads_;
     std::vector<Bytes> writes_;
     std::vector<KavroLibrary::DWORD> readSizes_;
+    int purges_ = 0;
 };

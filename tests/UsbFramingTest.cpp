@@ -6,6 +6,7 @@
 
 #include "RecordingFtdi.h"
 #include "links/Crc16.h"
+#include "links/FtdiCommunications.h"
 #include "links/LinkDispatch.h"
 #include "links/UsbFraming.h"
 
@@ -113,20 +114,30 @@ TEST_F(UsbLink, RepliesOf13And14Bytes) {
     EXPECT_EQ(20u, ftdi.readSizes().back());
 }
 
-// Catches reading a missing or short block as data, and overruns when the second block never comes.
+// Catches reading a missing or short block as data, and a link left out of step after a short second block.
 TEST_F(UsbLink, ShortOrMissingFirstBlockIsStatus255) {
     for (std::size_t got : {0, 19}) {
         if (got > 0) ftdi.scriptRead(Bytes(got, 0));
+        const int purgesBefore = ftdi.purges();
         const ModuleReply reply = GetModuleCommandReply(&config, 0, false);
         EXPECT_EQ(255u, reply.Status) << got;
         EXPECT_EQ(0u, reply.Length) << got;
         EXPECT_EQ(nullptr, reply.Data) << got;
+        EXPECT_EQ(purgesBefore + 1, ftdi.purges()) << "a late block must not answer the next request";
     }
-    ftdi.scriptRead(replyBlock(600, 0, Bytes(13, 1)));
-    const ModuleReply reply = GetModuleCommandReply(&config, 0, false);
-    ASSERT_EQ(600u, reply.Length);
-    EXPECT_EQ(0, reply.Data[599]);
-    delete[] reply.Data;
+    // A second block that comes back short is no answer (its missing bytes
+    // would read as zeros), and the link is purged so that the late block
+    // cannot answer the next request.
+    for (std::size_t got : {0, 19}) {
+        ftdi.scriptRead(replyBlock(33, 0, Bytes(13, 1)));
+        if (got > 0) ftdi.scriptRead(Bytes(got, 1));
+        const int purgesBefore = ftdi.purges();
+        const ModuleReply reply = GetModuleCommandReply(&config, 0, false);
+        EXPECT_EQ(255u, reply.Status) << got;
+        EXPECT_EQ(0u, reply.Length) << got;
+        delete[] reply.Data;
+        EXPECT_EQ(purgesBefore + 1, ftdi.purges()) << got;
+    }
 }
 
 // Catches wrong bit-rate bytes, opcodes, read lengths and field offsets of controller requests.
@@ -202,4 +213,66 @@ TEST(RxPacket, ReadInstructionsForAFullPacket) {
     SetupRxPacket_CRC(&config, position, 15, buffer, false);
     EXPECT_EQ(9u, position);
     EXPECT_EQ(0x13, buffer[6]) << "the second read is never shorter than 20 bytes";
+}
+
+namespace {
+
+// A device that takes every set-up call but whose engine never answers the
+// 0xAB probe, or whose transmit queue never empties.
+struct DeadEngine {
+    static inline bool answers = false;
+    static inline bool drains = true;
+    static FT_STATUS ok(FT_HANDLE) { return FT_OK; }
+    static FT_STATUS purge(FT_HANDLE, ULONG) { return FT_OK; }
+    static FT_STATUS chars(FT_HANDLE, UCHAR, UCHAR, UCHAR, UCHAR) { return FT_OK; }
+    static FT_STATUS timeouts(FT_HANDLE, ULONG, ULONG) { return FT_OK; }
+    static FT_STATUS flow(FT_HANDLE, USHORT, UCHAR, UCHAR) { return FT_OK; }
+    static FT_STATUS bitMode(FT_HANDLE, UCHAR, UCHAR) { return FT_OK; }
+    static FT_STATUS write(FT_HANDLE, void*, DWORD count, LPDWORD written) {
+        *written = count;
+        return FT_OK;
+    }
+    static FT_STATUS read(FT_HANDLE, void*, DWORD count, LPDWORD got) {
+        *got = count;
+        return FT_OK;
+    }
+    static FT_STATUS queue(FT_HANDLE, DWORD* waiting) {
+        *waiting = answers ? 2 : 0;
+        return FT_OK;
+    }
+    static FT_STATUS status(FT_HANDLE, DWORD* rx, DWORD* tx, DWORD* events) {
+        *rx = 0;
+        *tx = drains ? 0 : 1;
+        *events = 0;
+        return FT_OK;
+    }
+};
+
+}  // namespace
+
+// Catches an MPSSE set-up that carries on after its waits gave up.
+TEST(UsbSetup, WaitsThatGiveUpAreErrors) {
+    FtdiApi table;
+    table.ResetDevice = DeadEngine::ok;
+    table.Purge = DeadEngine::purge;
+    table.SetChars = DeadEngine::chars;
+    table.SetTimeouts = DeadEngine::timeouts;
+    table.SetFlowControl = DeadEngine::flow;
+    table.SetBitMode = DeadEngine::bitMode;
+    table.Write = DeadEngine::write;
+    table.Read = DeadEngine::read;
+    table.GetQueueStatus = DeadEngine::queue;
+    table.GetStatus = DeadEngine::status;
+    ftdiInstall(&table);
+    NetworkConfiguration config(0, "usb");
+    const struct {
+        bool answers, drains;
+        bool fine;
+    } cases[] = {{true, true, true}, {false, true, false}, {true, false, false}};
+    for (const auto& c : cases) {
+        DeadEngine::answers = c.answers;
+        DeadEngine::drains = c.drains;
+        EXPECT_EQ(c.fine, SetupSPI(nullptr, &config) == FT_OK) << c.answers << c.drains;
+    }
+    ftdiInstall(nullptr);
 }

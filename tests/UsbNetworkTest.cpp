@@ -52,13 +52,15 @@ TEST(UsbEnumeration, OnlyFreeChannelAOfAnInterfaceModuleAnsweringUsb2) {
         "controller usb chip=5 channel-b=none\n"                                    // 5: another chip
         "controller usb channel-a=\"Pellaquin USB A\" channel-b=none\n"             // 6: another product
         "controller usb channel-a=\"Pellaquin USBIM 2 A  \" identity=USBSIM0007\n"  // 7 A, 8 B
+        "controller usb flags=2 channel-b=none\n"  // 9: high-speed bit only, nobody has it open
     );
     Found found;
     FTDICommunications().FindDevices(found.networks);
 
-    ASSERT_EQ(2u, found.networks.size());
+    ASSERT_EQ(3u, found.networks.size());
     EXPECT_EQ(0, found.config(0)->DeviceIndex);
     EXPECT_EQ(7, found.config(1)->DeviceIndex);
+    EXPECT_EQ(9, found.config(2)->DeviceIndex);
     EXPECT_EQ(1, found.config(1)->NetworkNumber);
     // The one that answered another type was asked, then let go like the rest.
     EXPECT_EQ(SimRequestKind::GetInfo, standIn.controller(3).requestLog().at(0).kind);
@@ -69,7 +71,7 @@ TEST(UsbEnumeration, OnlyFreeChannelAOfAnInterfaceModuleAnsweringUsb2) {
     Found more;
     more.networks.push_back(new KavroNetwork(0, "first"));
     FTDICommunications().FindDevices(more.networks);
-    ASSERT_EQ(3u, more.networks.size());
+    ASSERT_EQ(4u, more.networks.size());
     EXPECT_EQ(1, more.config(1)->NetworkNumber);
     EXPECT_EQ(2, more.config(2)->NetworkNumber);
 }
@@ -159,4 +161,20 @@ TEST(UsbNetwork, FirmwareBelow150KeepsTheBasicsAndAFailedCheckLetsGo) {
     owned.reset();
     EXPECT_EQ(0, controller.module("GP02000001")->address());
     EXPECT_EQ(0u, listedFlags(standIn, 0));
+}
+
+// Catches talking to another controller after devices moved since the search.
+TEST(UsbNetwork, ADeviceThatMovedIsNotTakenForAnother) {
+    UsbStandIn standIn(
+        "controller usb identity=USBSIM0011 serial=SERIALONE channel-b=none\n"
+        "controller usb identity=USBSIM0012 serial=SERIALTWO channel-b=none\n");
+    Found found;
+    FTDICommunications().FindDevices(found.networks);
+    ASSERT_EQ(2u, found.networks.size());
+    // The first controller is unplugged: the second now lists as device 0.
+    ASSERT_EQ(1, UsbStandIn::load("controller usb identity=USBSIM0012 serial=SERIALTWO channel-b=none\n"));
+    DiagnosticCapture errors;
+    found.networks[0]->Connect();
+    EXPECT_FALSE(found.networks[0]->IsConnected());
+    EXPECT_NE(std::string::npos, errors.text().find("SERIALONEA is no longer device 0")) << errors.text();
 }

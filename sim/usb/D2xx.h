@@ -47,6 +47,8 @@ kavrosim::FT_STATUS FT_CreateDeviceInfoList(kavrosim::DWORD* numDevices);
 kavrosim::FT_STATUS FT_GetDeviceInfoDetail(kavrosim::DWORD index, kavrosim::DWORD* flags, kavrosim::DWORD* type,
                                            kavrosim::DWORD* id, kavrosim::DWORD* locId, void* serialNumber,
                                            void* description, kavrosim::FT_HANDLE* handle);
+kavrosim::FT_STATUS FT_GetDeviceInfo(kavrosim::FT_HANDLE handle, kavrosim::DWORD* type, kavrosim::DWORD* id,
+                                     char* serialNumber, char* description, void* dummy);
 kavrosim::FT_STATUS FT_Open(int deviceNumber, kavrosim::FT_HANDLE* handle);
 kavrosim::FT_STATUS FT_Close(kavrosim::FT_HANDLE handle);
 kavrosim::FT_STATUS FT_ResetDevice(kavrosim::FT_HANDLE handle);

@@ -2,6 +2,7 @@
 // the process's simulated USB devices, and the control functions of
 // KavroSimUsb.h. Nothing thrown inside may cross into the C caller.
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <mutex>
@@ -88,6 +89,28 @@ FT_STATUS FT_GetDeviceInfoDetail(DWORD index, DWORD* flags, DWORD* type, DWORD* 
     try {
         return bus().deviceInfo(index, flags, type, id, locId, static_cast<char*>(serialNumber),
                                 static_cast<char*>(description), handle);
+    } catch (...) {
+        return kFtOtherError;
+    }
+}
+
+FT_STATUS FT_GetDeviceInfo(FT_HANDLE handle, DWORD* type, DWORD* id, char* serialNumber, char* description,
+                           void* /*dummy*/) {
+    try {
+        const std::shared_ptr<SimUsbDevice> device = bus().opened(handle);
+        if (!device) return kFtInvalidHandle;
+        const SimUsbDeviceInfo& info = device->info();
+        if (type != nullptr) *type = info.type;
+        if (id != nullptr) *id = info.id;
+        if (serialNumber != nullptr) {
+            const std::string text = info.serialNumber.substr(0, kFtSerialNumberSize - 1);
+            std::memcpy(serialNumber, text.c_str(), text.size() + 1);
+        }
+        if (description != nullptr) {
+            const std::string text = info.description.substr(0, kFtDescriptionSize - 1);
+            std::memcpy(description, text.c_str(), text.size() + 1);
+        }
+        return kFtOk;
     } catch (...) {
         return kFtOtherError;
     }

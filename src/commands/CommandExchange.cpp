@@ -18,9 +18,13 @@ CommandReply fetchReply(NetworkConfiguration* config, unsigned char echo, bool l
 }
 
 CommandReply exchange(NetworkConfiguration* config, int type, unsigned char* data, int length, int replyLength,
-                      unsigned char echo, bool longReply) {
-    sendCommand(config, type, data, length, replyLength);
-    return fetchReply(config, echo, longReply);
+                      unsigned char echo, bool longReply, long settleMs) {
+    ModuleCommand command;
+    command.Type = type;
+    command.Length = length;
+    command.ReplyLength = replyLength;
+    command.Data = data;
+    return CommandReply(ExchangeModuleCommand(config, command, echo, longReply, settleMs));
 }
 
 }  // namespace KavroLibrary

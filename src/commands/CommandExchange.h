@@ -17,8 +17,9 @@ void sendCommand(NetworkConfiguration* config, int type, unsigned char* data, in
 // 16-bit reply length.
 CommandReply fetchReply(NetworkConfiguration* config, unsigned char echo, bool longReply = false);
 
-// sendCommand, then fetchReply.
+// sendCommand, a pause of `settleMs` (0: none), then fetchReply, as one
+// exchange that no other thread's bytes come between.
 CommandReply exchange(NetworkConfiguration* config, int type, unsigned char* data, int length, int replyLength,
-                      unsigned char echo, bool longReply = false);
+                      unsigned char echo, bool longReply = false, long settleMs = 0);
 
 }  // namespace KavroLibrary

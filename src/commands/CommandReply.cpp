@@ -13,6 +13,17 @@ std::size_t CommandReply::copy(std::size_t from, void* target, std::size_t count
     return available;
 }
 
+std::uint32_t CommandReply::linkStatus() const {
+    if (status() == 0 && isRefusal()) return static_cast<std::uint32_t>(eKavroErrors::ModuleBase) | at(1);
+    return status();
+}
+
+std::uint32_t CommandReply::echoedStatus(unsigned char echo) const {
+    const std::uint32_t status = linkStatus();
+    if (status == 0 && size() > 0 && at(0) != echo) return static_cast<std::uint32_t>(eKavroErrors::Timeout);
+    return status;
+}
+
 std::uint32_t CommandReply::moduleError(unsigned char echo, std::size_t valueBytes) const {
     constexpr auto kFailed = static_cast<std::uint32_t>(eKavroErrors::Timeout);
     if (status() != 0) return kFailed;

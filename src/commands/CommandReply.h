@@ -38,6 +38,14 @@ public:
     // "!" and its error byte.
     bool isRefusal() const { return size() >= 2 && at(0) == '!'; }
 
+    // The link's status, or for a refusal that arrived whole the module's
+    // error (0x2100 | error byte): a refused command never reads as done.
+    std::uint32_t linkStatus() const;
+    // linkStatus, and 255 for a reply that begins with neither `echo` nor
+    // a refusal: the links that do not check the echo (USB) get the same
+    // verdict as those that do.
+    std::uint32_t echoedStatus(unsigned char echo) const;
+
     // The module error of a reply checked against its echo: 0 when the echo
     // came with at least `valueBytes` behind it, 0x2100 | error byte for a
     // refusal, 255 for anything else (a failed link, a wrong first byte, or a

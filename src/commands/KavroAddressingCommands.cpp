@@ -4,7 +4,6 @@
 
 #include "commands/CommandExchange.h"
 #include "commands/KavroCommands.h"
-#include "core/ProtocolSleep.h"
 
 namespace KavroLibrary {
 
@@ -28,14 +27,13 @@ KavroValueResult KavroCommands::KavroSetAddr(NetworkConfiguration* config, std::
     unsigned char data[13] = {'S', lowByte(newAddress)};
     std::memcpy(data + 2, identity.data(), kIdentityLength);
     data[12] = 0x00;
-    sendCommand(config, CommandWithReply, data, sizeof data, 2);
     // Every module compares the identity before the addressed one answers.
-    protocolSleepMs(kSetAddressSettleMs);
-    const CommandReply reply = fetchReply(config, 'S');
+    const CommandReply reply =
+        exchange(config, CommandWithReply, data, sizeof data, 2, 'S', false, kSetAddressSettleMs);
 
     KavroValueResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0 && reply.size() > 1) result.Value = reply.at(1);
+    result.LinkStatus = reply.echoedStatus('S');
+    if (result.LinkStatus == 0 && reply.size() > 1) result.Value = reply.at(1);
     return result;
 }
 
@@ -44,8 +42,8 @@ KavroIdentityResult KavroCommands::KavroNotify(NetworkConfiguration* config) {
     const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 11, 'N');
 
     KavroIdentityResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
     return result;
 }
 
@@ -81,8 +79,8 @@ KavroIdentityResult KavroCommands::KavroGetProbeID(NetworkConfiguration* config,
     const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 11, 'i');
 
     KavroIdentityResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0) takeIdentity(reply, result.Identity, result.IdentitySuffix);
     return result;
 }
 

@@ -47,8 +47,8 @@ KavroConfigReadResult KavroCommands::KavroConfigRead(NetworkConfiguration* confi
         exchange(config, CommandWithReply, data, sizeof data, static_cast<int>(kReadReplyLength), 'c');
 
     KavroConfigReadResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() != 0 || reply.size() != kReadReplyLength) return result;
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus != 0 || reply.size() != kReadReplyLength) return result;
     const int count = reply.at(1);
     // A count beyond the block can only come from a corrupt reply.
     if (count > kBlockBytes) {
@@ -84,8 +84,8 @@ KavroValueResult KavroCommands::KavroConfigWrite(NetworkConfiguration* config, i
     const CommandReply reply = exchange(config, CommandWithReply, block, kWriteLength, 2, 'b');
 
     KavroValueResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0 && reply.size() == 2) result.Value = reply.at(1);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0 && reply.size() == 2) result.Value = reply.at(1);
     return result;
 }
 

@@ -16,8 +16,8 @@ constexpr long kDirectionSettleMs = 1;
 // The value byte of an unchecked reply: byte 1 when the reply holds it.
 KavroValueResult valueResult(const CommandReply& reply) {
     KavroValueResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0 && reply.size() > 1) result.Value = reply.at(1);
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0 && reply.size() > 1) result.Value = reply.at(1);
     return result;
 }
 
@@ -44,7 +44,7 @@ KavroValueResult KavroCommands::KavroClr(NetworkConfiguration* config, int addr)
     const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 2, 'C');
     const KavroValueResult result = valueResult(reply);
     // An answered clear means the module is now clearing; give it time.
-    if (reply.status() == 0) protocolSleepMs(kClearSettleMs);
+    if (result.LinkStatus == 0) protocolSleepMs(kClearSettleMs);
     return result;
 }
 
@@ -74,7 +74,12 @@ KavroValueResult KavroCommands::KavroSetMode(NetworkConfiguration* config, int a
     const int modeNumber = static_cast<int>(mode);
     unsigned char data[6] = {
         'V', lowByte(addr), lowByte(modeNumber), lowByte(modeNumber >> 8), lowByte(argument), lowByte(argument >> 8)};
-    return valueResult(exchange(config, CommandWithReply, data, sizeof data, 2, 'V'));
+    const CommandReply reply = exchange(config, CommandWithReply, data, sizeof data, 2, 'V');
+    KavroValueResult result = valueResult(reply);
+    // Links that do not check the echo themselves (USB) must not take a
+    // wrong first byte for a mode that was set.
+    if (result.LinkStatus == 0) result.LinkStatus = reply.moduleError('V', 1);
+    return result;
 }
 
 void KavroCommands::KavroControl(NetworkConfiguration* config, eKavroControlAction action) {

@@ -44,9 +44,9 @@ KavroReadburstResult KavroCommands::Readburst(NetworkConfiguration* config, int 
         exchange(config, CommandWithReply, data, sizeof data, replyLength, 'T', replyLength > kShortReplyLimit);
 
     KavroReadburstResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() != 0 || reply.size() <= 1) return result;
-    // The echo is not checked: the caller splits the readings by length.
+    result.LinkStatus = reply.echoedStatus('T');
+    if (result.LinkStatus != 0 || reply.size() <= 1) return result;
+    // The caller splits the readings by length.
     result.DataLength = static_cast<int>(reply.size() - 1);
     result.Data = new unsigned char[reply.size() - 1];
     reply.copy(1, result.Data, reply.size() - 1);
@@ -94,8 +94,8 @@ KavroReadMemoryResult KavroCommands::KavroReadMemory(NetworkConfiguration* confi
         exchange(config, CommandWithReply, data, sizeof data, replyLength, 0, replyLength > kShortReplyLimit);
 
     KavroReadMemoryResult result;
-    result.LinkStatus = reply.status();
-    if (reply.status() == 0) result.Reply.assign(reply.bytes(), reply.bytes() + reply.size());
+    result.LinkStatus = reply.linkStatus();
+    if (result.LinkStatus == 0) result.Reply.assign(reply.bytes(), reply.bytes() + reply.size());
     return result;
 }
 

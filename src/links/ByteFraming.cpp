@@ -58,7 +58,10 @@ ReplyFrame ReadReplyFrame(const FrameReader& read, unsigned char echo, bool long
     result.Reply.Data = new unsigned char[length]();
     const int got = read(result.Reply.Data, static_cast<int>(length));
     result.DataComplete = got == static_cast<int>(length);
-    if (!result.DataComplete || (echo != 0 && result.Reply.Data[0] != echo)) {
+    // A refusal ("!" and the error byte) goes through whatever the echo: the
+    // command layer hands it on as the module's error.
+    const bool echoed = echo == 0 || result.Reply.Data[0] == echo || (result.Reply.Data[0] == '!' && length >= 2);
+    if (!result.DataComplete || !echoed) {
         result.Reply.Status = 255;
         result.Reply.Length = 0;
         return result;

@@ -36,7 +36,7 @@ struct ReplyFrame {
 
 // Reads a reply frame: status, length (one byte, or two high byte first for
 // a long reply), then the data. A reply whose first byte is not `echo` (when
-// echo is not 0), or whose data arrived short, is refused: Status 255 and
+// echo is not 0, nor a "!" refusal), or whose data arrived short, is refused: Status 255 and
 // Length 0, with the buffer still handed back.
 ReplyFrame ReadReplyFrame(const FrameReader& read, unsigned char echo, bool longReply);
 

@@ -48,6 +48,7 @@ bool bindAll(void* library, FtdiApi& t) {
     ok &= bindSymbol(library, "FT_Read", t.Read);
     ok &= bindSymbol(library, "FT_CreateDeviceInfoList", t.CreateDeviceInfoList);
     ok &= bindSymbol(library, "FT_GetDeviceInfoDetail", t.GetDeviceInfoDetail);
+    ok &= bindSymbol(library, "FT_GetDeviceInfo", t.GetDeviceInfo);
     return ok;
 }
 

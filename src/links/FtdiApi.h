@@ -52,6 +52,8 @@ struct FtdiApi {
     FT_STATUS (*Write)(FT_HANDLE handle, void* buffer, DWORD bytesToWrite, LPDWORD bytesWritten) = nullptr;
     FT_STATUS (*Read)(FT_HANDLE handle, void* buffer, DWORD bytesToRead, LPDWORD bytesReturned) = nullptr;
     FT_STATUS (*CreateDeviceInfoList)(LPDWORD numDevices) = nullptr;
+    FT_STATUS (*GetDeviceInfo)
+    (FT_HANDLE handle, LPDWORD type, LPDWORD id, char* serialNumber, char* description, void* dummy) = nullptr;
     FT_STATUS(*GetDeviceInfoDetail)
     (DWORD index, LPDWORD flags, LPDWORD type, LPDWORD id, LPDWORD locId, void* serialNumber, void* description,
      FT_HANDLE* handle) = nullptr;

@@ -25,14 +25,15 @@ constexpr auto kTransmitQueueLimit = std::chrono::seconds(5);
 
 }  // namespace
 
-void WaitForEmptyTransmitQueue(void* handle, long stepMilliseconds) {
+bool WaitForEmptyTransmitQueue(void* handle, long stepMilliseconds) {
     const auto deadline = std::chrono::steady_clock::now() + kTransmitQueueLimit;
     for (;;) {
         DWORD rx = 0;
         DWORD tx = 0;
         DWORD events = 0;
-        if (api().GetStatus(handle, &rx, &tx, &events) != FT_OK || tx == 0) return;
-        if (std::chrono::steady_clock::now() >= deadline) return;
+        if (api().GetStatus(handle, &rx, &tx, &events) != FT_OK) return false;
+        if (tx == 0) return true;
+        if (std::chrono::steady_clock::now() >= deadline) return false;
         protocolSleepMs(stepMilliseconds);
     }
 }
@@ -109,7 +110,9 @@ FT_STATUS SetupSPI(void* handle, NetworkConfiguration* /*config*/) {
         if (waiting > 0 || std::chrono::steady_clock::now() >= deadline) break;
         protocolSleepMs(1);
     }
-    if (waiting > 0) {
+    // An engine that never answered is not in MPSSE mode.
+    if (waiting == 0) return FT_OTHER_ERROR;
+    {
         std::vector<unsigned char> discard(waiting);
         DWORD got = 0;
         if ((status = api().Read(handle, discard.data(), waiting, &got)) != FT_OK) return status;
@@ -120,10 +123,10 @@ FT_STATUS SetupSPI(void* handle, NetworkConfiguration* /*config*/) {
     if ((status = writeBytes(handle, {0x86, 0x03, 0x00})) != FT_OK) return status;  // 7.5 MHz serial clock
     if ((status = writeBytes(handle, {0x82, 0x02, 0x06})) != FT_OK) return status;  // upper pins
     protocolSleepMs(10);
-    WaitForEmptyTransmitQueue(handle, 10);
+    if (!WaitForEmptyTransmitQueue(handle, 10)) return FT_OTHER_ERROR;
     if ((status = writeBytes(handle, {0x80, 0x09, 0x0B})) != FT_OK) return status;  // lower pins
     protocolSleepMs(10);
-    WaitForEmptyTransmitQueue(handle, 10);
+    if (!WaitForEmptyTransmitQueue(handle, 10)) return FT_OTHER_ERROR;
     return api().Purge(handle, FT_PURGE_RX | FT_PURGE_TX);
 }
 
@@ -133,6 +136,20 @@ FT_STATUS FTDICommunications::Open(NetworkConfiguration* config) {
     if (ResetupDevice(handle, config->DeviceIndex) != FT_OK) {
         if (handle != nullptr) api().Close(handle);
         return FT_DEVICE_NOT_OPENED;
+    }
+    // Devices plugged in or out since the search move the indices: talk only
+    // to the controller that was found.
+    if (!config->DeviceSerial.empty() && api().GetDeviceInfo != nullptr) {
+        DWORD type = 0;
+        DWORD id = 0;
+        char serial[64] = {};
+        char description[65] = {};
+        if (api().GetDeviceInfo(handle, &type, &id, serial, description, nullptr) != FT_OK ||
+            config->DeviceSerial != std::string(serial, strnlen(serial, sizeof serial))) {
+            diagnostic("USB interface module ", config->DeviceSerial, " is no longer device ", config->DeviceIndex);
+            api().Close(handle);
+            return FT_DEVICE_NOT_OPENED;
+        }
     }
     if (GetModuleTypeController(handle) != "USB2") {
         api().Close(handle);

@@ -31,7 +31,8 @@ void UpdateCapabilitiesUSBIM(NetworkConfiguration* config);
 // Fills the link table with the USB link's functions.
 void fillUsbLinkTable(NetworkConfiguration* config);
 
-// Waits (in short steps) until the device's transmit queue is empty.
-void WaitForEmptyTransmitQueue(void* handle, long stepMilliseconds);
+// Waits (in short steps) until the device's transmit queue is empty; false
+// when it did not empty within 5 s or the device failed.
+bool WaitForEmptyTransmitQueue(void* handle, long stepMilliseconds);
 
 }  // namespace KavroLibrary

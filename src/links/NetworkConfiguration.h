@@ -59,8 +59,9 @@ struct NetworkConfiguration {
     std::atomic<bool> DynamicStopRequest{false};
     StartDynamicFn StartDynamic = nullptr;
     void* FtdiHandle = nullptr;
-    int DeviceIndex = -1;  // FTDI device index (USB link)
-    int PacketNumber = 0;  // 0..7
+    int DeviceIndex = -1;      // FTDI device index (USB link)
+    std::string DeviceSerial;  // its serial number when found (USB link)
+    int PacketNumber = 0;      // 0..7
     unsigned char PacketCrc = 0;
     unsigned char DynamicRequestFlags = 0;
     std::uint16_t ExtraReplyBytes = 0;

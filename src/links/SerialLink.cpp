@@ -2,10 +2,12 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "core/Diagnostics.h"
@@ -44,6 +46,17 @@ void flushLine(NetworkConfiguration* config) {
     if (config->SocketFd >= 0) tcflush(config->SocketFd, TCIOFLUSH);
 }
 
+// tcdrain, bounded: a line that never empties (flow control held, a dead
+// adapter) is given up at the deadline.
+void drainLine(int fd, LinkClock::time_point deadline) {
+    for (;;) {
+        int pending = 0;
+        if (ioctl(fd, TIOCOUTQ, &pending) != 0 || pending <= 0) return;
+        if (LinkClock::now() >= deadline) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
 void writeRequest(NetworkConfiguration* config, std::vector<unsigned char> bytes) {
     if (bytes.empty()) return;
     RS232WriteDataFixedLength(config, bytes.data(), static_cast<int>(bytes.size()));
@@ -76,7 +89,9 @@ void RS232ConfigureLine(termios& settings, int baud) {
 
 int RS232OpenLine(NetworkConfiguration* config) {
     RS232CloseLine(config);
-    const int fd = open(config->Address.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    // Without O_NONBLOCK the open of a line without carrier waits for one,
+    // for ever; once open (CLOCAL set) the line behaves as usual.
+    const int fd = open(config->Address.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
         diagnostic("Unable to open ", config->Address);
         return -1;
@@ -93,6 +108,8 @@ int RS232OpenLine(NetworkConfiguration* config) {
         close(fd);
         return -1;
     }
+    const int flags = fcntl(fd, F_GETFL);
+    if (flags >= 0) fcntl(fd, F_SETFL, flags & ~O_NONBLOCK);
     tcflush(fd, TCIOFLUSH);
     config->SocketFd = fd;
     return fd;
@@ -109,15 +126,17 @@ int RS232WriteDataFixedLength(NetworkConfiguration* config, unsigned char* bytes
     const auto deadline = LinkClock::now() + kWriteLimit;
     int written = 0;
     while (written < count) {
+        // Wait for room first, so that the write itself never blocks.
+        const short events = waitForDescriptor(fd, POLLOUT, deadline);
+        if ((events & POLLOUT) == 0) break;
         const ssize_t n = write(fd, bytes + written, static_cast<std::size_t>(count - written));
         if (n > 0) {
             written += static_cast<int>(n);
             continue;
         }
         if (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) break;
-        if (waitForDescriptor(fd, POLLOUT, deadline) == 0) break;
     }
-    tcdrain(fd);
+    drainLine(fd, deadline);
     return written;
 }
 

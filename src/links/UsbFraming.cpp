@@ -43,6 +43,10 @@ void appendRead(std::vector<unsigned char>& out, int count, bool flush) {
     if (flush) out.push_back(kMpsseFlush);
 }
 
+void purgeLink(NetworkConfiguration* config) {
+    if (ftdiTable().Purge != nullptr) ftdiTable().Purge(config->FtdiHandle, FT_PURGE_RX | FT_PURGE_TX);
+}
+
 std::uint32_t le32(const unsigned char* p) {
     return static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
            (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24);
@@ -105,6 +109,8 @@ ModuleReply GetModuleCommandResponse(NetworkConfiguration* config, unsigned char
     usbWrite(config, request.data(), request.size());
     unsigned char first[kUsbBlockSize];
     if (usbRead(config, first, sizeof first) < kUsbBlockSize) {
+        // A late answer would otherwise answer the next request.
+        purgeLink(config);
         reply.Status = 255;
         reply.Length = 0;
         reply.Data = nullptr;
@@ -122,7 +128,15 @@ ModuleReply GetModuleCommandResponse(NetworkConfiguration* config, unsigned char
         appendRead(more, static_cast<int>(n), true);
         usbWrite(config, more.data(), more.size());
         std::vector<unsigned char> second(n, 0);
-        usbRead(config, second.data(), n);
+        if (usbRead(config, second.data(), n) < n) {
+            // Missing bytes are no zeros: no answer. The late rest would
+            // answer the next request, so the link is put back in step.
+            delete[] reply.Data;
+            reply = ModuleReply{};
+            reply.Status = 255;
+            purgeLink(config);
+            return reply;
+        }
         std::memcpy(reply.Data + 13, second.data(), rest);
     }
     return reply;

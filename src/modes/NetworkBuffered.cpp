@@ -9,6 +9,7 @@
 #include "commands/KavroCommands.h"
 #include "core/ErrorDictionary.h"
 #include "core/ProtocolSleep.h"
+#include "links/LinkDispatch.h"
 #include "links/NetworkConfiguration.h"
 
 namespace KavroLibrary {
@@ -143,7 +144,7 @@ void NetworkBuffered::SendStartBufferedMode() {
     }
     if (masterIndex_ >= 0) {
         SetupBufferedMaster(moduleAt(network_, masterIndex_));
-        if (config->SetIdle != nullptr) config->SetIdle(config);
+        ControllerSetIdle(config);
     }
 }
 

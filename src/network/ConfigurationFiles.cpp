@@ -10,6 +10,7 @@
 #include "KavroNetworkRS232.h"
 #include "KavroNetworkWIM.h"
 #include "KavroNumberText.h"
+#include "core/Diagnostics.h"
 #include "network/XmlSafety.h"
 
 namespace KavroLibrary {
@@ -97,15 +98,16 @@ void readSingleConfigurationFile(std::string path, std::vector<KavroNetwork*>& n
     if (context != nullptr) {
         found = xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>("/settings/networks/network"), context);
     }
-    try {
-        if (found != nullptr && found->nodesetval != nullptr) {
-            for (int i = 0; i < found->nodesetval->nodeNr; ++i) addNetwork(found->nodesetval->nodeTab[i], networks);
+    if (found != nullptr && found->nodesetval != nullptr) {
+        for (int i = 0; i < found->nodesetval->nodeNr; ++i) {
+            // One bad entry (a baud that is no number) must not hide the
+            // others, nor the USB controllers searched for afterwards.
+            try {
+                addNetwork(found->nodesetval->nodeTab[i], networks);
+            } catch (const std::exception& error) {
+                diagnostic("Skipping network entry ", i + 1, " of ", path, ": ", error.what());
+            }
         }
-    } catch (...) {
-        xmlXPathFreeObject(found);
-        xmlXPathFreeContext(context);
-        xmlFreeDoc(document);
-        throw;
     }
     xmlXPathFreeObject(found);
     xmlXPathFreeContext(context);

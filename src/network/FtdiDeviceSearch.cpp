@@ -10,6 +10,7 @@ namespace KavroLibrary {
 namespace {
 
 constexpr char kDescriptionPrefix[] = "Pellaquin USBIM";
+constexpr DWORD kFlagOpened = 1;
 
 // Channel A is wired to the controller: the description's last non-blank
 // character names the channel.
@@ -44,14 +45,20 @@ void FTDICommunications::FindDevices(std::vector<KavroNetwork*>& networks) {
             continue;
         }
         description[64] = '\0';
-        if (type != FT_DEVICE_2232H || flags != 0) continue;
+        // Bit 0 says another program has the device open; bit 1 only that
+        // it runs at high speed, as every free FT2232H does.
+        if (type != FT_DEVICE_2232H || (flags & kFlagOpened) != 0) continue;
         if (std::strncmp(description, kDescriptionPrefix, sizeof kDescriptionPrefix - 1) != 0) continue;
         if (!isChannelA(description)) continue;
 
         void* handle = nullptr;
         const bool usable =
             ResetupDevice(handle, static_cast<int>(i)) == FT_OK && GetModuleTypeController(handle) == "USB2";
-        if (usable) networks.push_back(new KavroNetworkUSBIM(static_cast<int>(networks.size()), static_cast<int>(i)));
+        if (usable) {
+            auto* network = new KavroNetworkUSBIM(static_cast<int>(networks.size()), static_cast<int>(i));
+            network->Configuration()->DeviceSerial.assign(serial, strnlen(serial, sizeof serial));
+            networks.push_back(network);
+        }
         if (handle != nullptr) api.Close(handle);
     }
 }

@@ -6,6 +6,7 @@
 #include "KavroNumberText.h"
 #include "commands/KavroCommands.h"
 #include "core/Diagnostics.h"
+#include "links/LinkDispatch.h"
 
 namespace KavroLibrary {
 
@@ -37,13 +38,13 @@ bool usbExtendedFirmware(const std::string& versionText) {
 bool InitNetwork(NetworkConfiguration* config) {
     ControllerInfoReply info;
     info.Error = 255;
-    if (config->GetInfo != nullptr) info = config->GetInfo(config);
+    info = ControllerGetInfo(config);
     if (info.Error != 0) {
         diagnostic("Controller GetInfo Failed");
         return false;
     }
     ControllerIdentifyReply identity;
-    if (config->Identify != nullptr) identity = config->Identify(config);
+    identity = ControllerIdentify(config);
     if (identity.Error != 0) {
         diagnostic("Controller Identify Failed");
         return false;
@@ -84,10 +85,10 @@ bool InitNetwork(NetworkConfiguration* config) {
 void ResetAllSpeeds(NetworkConfiguration* config) {
     const std::vector<eNetSpeed> speeds = config->ControllerSpeeds;
     for (eNetSpeed speed : speeds) {
-        if (config->SetSpeed != nullptr) config->SetSpeed(config, speed);
+        ControllerSetSpeed(config, speed);
         KavroCommands::KavroRst(config);
     }
-    if (config->SetSpeed != nullptr) config->SetSpeed(config, eNetSpeed::Low);
+    ControllerSetSpeed(config, eNetSpeed::Low);
     config->NetSpeed = eNetSpeed::Low;
 }
 

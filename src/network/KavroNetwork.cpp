@@ -5,6 +5,7 @@
 #include "KavroDynamic.h"
 #include "NetworkBuffered.h"
 #include "NetworkDifference.h"
+#include "core/Diagnostics.h"
 #include "links/NetworkConfiguration.h"
 #include "network/InitNetwork.h"
 #include "network/NotificationGate.h"
@@ -25,7 +26,19 @@ KavroNetwork::KavroNetwork(int networkNumber, std::string networkName)
 KavroNetwork::~KavroNetwork() {
     // The notification thread works on this network until it has ended.
     CancelNotifying();
-    ClearModules();
+    stopRunningMode();
+    try {
+        ClearModules();
+    } catch (...) {
+        // Another operation still runs (a dynamic run): let the modules go
+        // without resetting the bus under it.
+        config_->Connected = false;
+        config_->ActiveOperation = OperationIdle;
+        try {
+            ClearModules();
+        } catch (...) {
+        }
+    }
     retiredModules_.clear();
     buffered_.reset();
     difference_.reset();
@@ -33,13 +46,35 @@ KavroNetwork::~KavroNetwork() {
     dynamic_.reset();
 }
 
-void KavroNetwork::Connect() {}
+void KavroNetwork::Connect() {
+    // A link lost on its own (a reconnect that failed) left the modules of a
+    // bus that has since been reset: a new connection starts clean.
+    if (!config_->Connected) ClearModules();
+}
 
 void KavroNetwork::Disconnect() {
     // A running notification ends first: its thread still uses the link.
     CancelNotifying();
+    stopRunningMode();
     if (config_->Connected) ClearModules();
     config_->Connected = false;
+}
+
+void KavroNetwork::stopRunningMode() noexcept {
+    const int operation = config_->ActiveOperation;
+    if (operation != OperationDifference && operation != OperationBuffered) return;
+    try {
+        if (operation == OperationDifference) {
+            difference_->Stop();
+        } else {
+            buffered_->Stop();
+        }
+    } catch (const std::exception& error) {
+        // The readings of the run are lost with the network; say why.
+        diagnostic("Stopping the running mode: ", error.what());
+    } catch (...) {
+    }
+    config_->ActiveOperation = OperationIdle;
 }
 
 std::string KavroNetwork::Description() const { return config_->Description; }

@@ -5,6 +5,7 @@
 #include "KavroModuleDP.h"
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
+#include "links/LinkDispatch.h"
 #include "links/NetworkConfiguration.h"
 #include "modules/ModuleIdentification.h"
 #include "network/ModuleFactory.h"
@@ -100,7 +101,7 @@ void KavroNetwork::ClearModules() {
     // Without an open link there is no bus to reset.
     if (!config_->Connected) return;
     KavroCommands::KavroRst(config_.get());
-    if (config_->SetSpeed != nullptr) config_->SetSpeed(config_.get(), config_->NetSpeed);
+    ControllerSetSpeed(config_.get(), config_->NetSpeed);
 }
 
 }  // namespace KavroLibrary

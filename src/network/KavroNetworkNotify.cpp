@@ -24,7 +24,10 @@ bool isNotificationCode(int operation) { return operation == OperationNotifying 
 }  // namespace
 
 void KavroNetwork::BeginNotifying() {
-    if (!config_->Connected && config_->ActiveOperation != OperationIdle) {
+    // A notification still ending uses the link until it is done.
+    if (config_->ActiveOperation == OperationNotifyEnding) waitForNotificationEnd();
+    // Not connected: the speed change below says so.
+    if (config_->ActiveOperation != OperationIdle) {
         throw std::runtime_error("Network must be connected and idle before commencing an Kavro Identify");
     }
     const eNetSpeed restoreSpeed = config_->NetSpeed;
@@ -54,7 +57,7 @@ void KavroNetwork::NotifyProcess(eNetSpeed restoreSpeed) {
 
     config_->ActiveOperation = OperationNotifyEnding;
     try {
-        if (config_->Connected && SpeedAvailable(restoreSpeed)) setNetSpeed(restoreSpeed);
+        if (config_->Connected && SpeedAvailable(restoreSpeed)) applyNetSpeed(restoreSpeed, true);
     } catch (const std::exception& error) {
         diagnostic("Notification could not restore the network speed: ", error.what());
     }

@@ -5,6 +5,7 @@
 
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
+#include "links/LinkDispatch.h"
 #include "links/NetworkConfiguration.h"
 #include "network/BusSpeedGuard.h"
 
@@ -66,11 +67,11 @@ void KavroNetwork::ClearTCons() {
     }
     // A module left at any speed hears the clear at that speed.
     for (const eNetSpeed speed : config_->ControllerSpeeds) {
-        if (config_->SetSpeed != nullptr) config_->SetSpeed(config_.get(), speed);
+        ControllerSetSpeed(config_.get(), speed);
         KavroCommands::KavroClearTCon(config_.get());
         KavroCommands::KavroRst(config_.get());
     }
-    if (config_->SetSpeed != nullptr) config_->SetSpeed(config_.get(), config_->NetSpeed);
+    ControllerSetSpeed(config_.get(), config_->NetSpeed);
 
     std::vector<KavroModule*> cleared;
     {

@@ -41,8 +41,6 @@ std::string upperName(const xmlNode* node) { return StringToUpper(reinterpret_ca
 
 bool isElement(const xmlNode* node) { return node->type == XML_ELEMENT_NODE; }
 
-void quietErrors(void*, const char*, ...) {}
-
 // The writer lives in the link record while a save runs, so that the
 // modules' own SaveXML can reach it; it is freed and cleared on every path.
 class SaveWriter {
@@ -63,10 +61,8 @@ private:
     // A file that cannot be created is our exception, not libxml2's lines
     // on standard error.
     static xmlTextWriterPtr open(const std::string& path) {
-        xmlSetGenericErrorFunc(nullptr, quietErrors);
-        xmlTextWriterPtr writer = xmlNewTextWriterFilename(path.c_str(), 0);
-        xmlSetGenericErrorFunc(nullptr, nullptr);
-        return writer;
+        const QuietXmlErrors quiet;
+        return xmlNewTextWriterFilename(path.c_str(), 0);
     }
 
     NetworkConfiguration* config_;
@@ -85,6 +81,21 @@ std::map<std::string, std::string> moduleSettings(xmlNodePtr moduleNode) {
         if (isElement(child)) settings[upperName(child)] = KavroReadXmlElement(child);
     }
     return settings;
+}
+
+// Every element's text unescapes: checked before anything changes, so that a
+// hand-edited value cannot empty the network halfway through a load.
+bool everyTextReads(xmlNodePtr node) {
+    for (xmlNodePtr child = node->children; child != nullptr; child = child->next) {
+        if (!isElement(child)) continue;
+        try {
+            KavroReadXmlElement(child);
+        } catch (const std::invalid_argument&) {
+            return false;
+        }
+        if (!everyTextReads(child)) return false;
+    }
+    return true;
 }
 
 std::string settingOrEmpty(const std::map<std::string, std::string>& settings, const std::string& key) {
@@ -155,7 +166,7 @@ void KavroNetwork::Load(std::string path) {
     XmlLibrary library;
     const std::unique_ptr<xmlDoc, DocumentFree> document(readXmlFileSafely(path));
     xmlNodePtr root = document ? xmlDocGetRootElement(document.get()) : nullptr;
-    if (root == nullptr) throw std::runtime_error(kReadError);
+    if (root == nullptr || !everyTextReads(root)) throw std::runtime_error(kReadError);
 
     ClearModules();
     eNetSpeed speed = eNetSpeed::Low;

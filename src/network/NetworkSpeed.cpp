@@ -5,6 +5,7 @@
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
 #include "core/ProtocolSleep.h"
+#include "links/LinkDispatch.h"
 #include "links/NetworkConfiguration.h"
 
 namespace KavroLibrary {
@@ -42,9 +43,15 @@ bool KavroNetwork::SpeedAvailable(eNetSpeed speed) const {
 }
 
 void KavroNetwork::setNetSpeed(eNetSpeed speed) {
+    // A notification still ending restores its speed first.
+    if (config_->ActiveOperation == OperationNotifyEnding) waitForNotificationEnd();
+    applyNetSpeed(speed, false);
+}
+
+void KavroNetwork::applyNetSpeed(eNetSpeed speed, bool fromEndingNotification) {
     if (!config_->Connected) throw std::runtime_error("Not connected to Kavro.");
     const int operation = config_->ActiveOperation;
-    if (operation != OperationIdle && operation != OperationNotifyEnding) {
+    if (operation != OperationIdle && !(fromEndingNotification && operation == OperationNotifyEnding)) {
         throw std::runtime_error("Cannot change network speed whilst performing an Kavro operation.");
     }
     if (!SpeedAvailable(speed)) {
@@ -62,7 +69,7 @@ void KavroNetwork::setNetSpeed(eNetSpeed speed) {
     }
     KavroCommands::KavroControl(config_.get(), eKavroControlAction::ApplySpeed);
     protocolSleepMs(50);
-    if (config_->SetSpeed != nullptr) config_->SetSpeed(config_.get(), speed);
+    ControllerSetSpeed(config_.get(), speed);
     config_->NetSpeed = speed;
 }
 

@@ -12,15 +12,31 @@ XmlLibrary::XmlLibrary() {
 
 namespace {
 
-// Silences libxml2's generic error output for this thread while parsing.
 void quietErrors(void*, const char*, ...) {}
+void quietStructuredErrors(void*, xmlErrorPtr) {}
 
 }  // namespace
 
-xmlDoc* readXmlFileSafely(const std::string& path) {
+QuietXmlErrors::QuietXmlErrors()
+    : generic_(xmlGenericError),
+      genericContext_(xmlGenericErrorContext),
+      structured_(xmlStructuredError),
+      structuredContext_(xmlStructuredErrorContext) {
     xmlSetGenericErrorFunc(nullptr, quietErrors);
-    xmlDoc* document = xmlReadFile(path.c_str(), nullptr, kSafeXmlParseOptions);
-    xmlSetGenericErrorFunc(nullptr, nullptr);
+    xmlSetStructuredErrorFunc(nullptr, quietStructuredErrors);
+}
+
+QuietXmlErrors::~QuietXmlErrors() {
+    xmlSetStructuredErrorFunc(structuredContext_, structured_);
+    xmlSetGenericErrorFunc(genericContext_, generic_);
+}
+
+xmlDoc* readXmlFileSafely(const std::string& path) {
+    xmlDoc* document = nullptr;
+    {
+        const QuietXmlErrors quiet;
+        document = xmlReadFile(path.c_str(), nullptr, kSafeXmlParseOptions);
+    }
     if (document == nullptr) return nullptr;
     // Settings and configuration files never declare entities; a document
     // that does is refused rather than expanded.

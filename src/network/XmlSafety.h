@@ -3,6 +3,7 @@
 #pragma once
 
 #include <libxml/parser.h>
+#include <libxml/xmlerror.h>
 
 #include <string>
 
@@ -14,6 +15,23 @@ namespace KavroLibrary {
 class XmlLibrary {
 public:
     XmlLibrary();
+};
+
+// Keeps libxml2's messages off standard error while it lives, and then gives
+// the application back the error handlers it had set (libxml2 keeps them per
+// thread).
+class QuietXmlErrors {
+public:
+    QuietXmlErrors();
+    ~QuietXmlErrors();
+    QuietXmlErrors(const QuietXmlErrors&) = delete;
+    QuietXmlErrors& operator=(const QuietXmlErrors&) = delete;
+
+private:
+    xmlGenericErrorFunc generic_;
+    void* genericContext_;
+    xmlStructuredErrorFunc structured_;
+    void* structuredContext_;
 };
 
 // Options for every parse: no network, no entity substitution, no DTD
