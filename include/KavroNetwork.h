@@ -71,7 +71,7 @@ public:
     void setNetSpeed(eNetSpeed speed);
 
     // Notification: a background thread waits for one module to announce
-    // itself (its button pressed) and adds it; see docs/network.md for what
+    // itself (its button pressed) and adds it; see docs/design/network.md for what
     // the application may call meanwhile.
     void BeginNotifying();
     // The body of the notification thread.

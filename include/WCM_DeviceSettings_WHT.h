@@ -4,7 +4,7 @@
 // line through the concentrator: "GET " + key, or "SET " + key + " " + value,
 // both answered by ">>>" + key + " " + the value in force. Values travel as
 // decimal numbers with '.' as the decimal point; enumerations as their
-// numbers. The command set is in docs/protocol.md.
+// numbers. The command set is in docs/design/protocol.md.
 #pragma once
 
 #include <memory>

@@ -48,7 +48,7 @@ std::string infoText(const std::string& units, const std::string& cpuom, const s
     return text;
 }
 
-// The example laid out in docs/readings.md.
+// The example laid out in docs/design/readings.md.
 const std::string kProbeInfo = " mm    8192.0000.000030     00 1";
 
 }  // namespace

@@ -1,6 +1,6 @@
 // A bus of pretend modules behind a pretend controller, installed in a
 // network's link table: it records every command and answers as the modules
-// described in docs/protocol.md would.
+// described in docs/design/protocol.md would.
 #pragma once
 
 #include <cstdint>

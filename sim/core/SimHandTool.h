@@ -5,7 +5,7 @@
 //
 // Multi-channel tools (WHT_M, WMM_A) answer "GetX" and "SetX value" with
 // ">>>X value"; single-channel tools (WHT) answer "GET KEY" and
-// "SET KEY VALUE" with ">>>KEY VALUE" (docs/protocol.md 1.13).
+// "SET KEY VALUE" with ">>>KEY VALUE" (docs/design/protocol.md 1.13).
 #pragma once
 
 #include <chrono>

@@ -2,7 +2,7 @@
 // configuration fields (scan duration, restart, and per slot the tool's type,
 // name, identity, connection, battery, channels and configuration mode), the
 // multi-channel read "a" and the pass-through commands "d" and "e" to the
-// hand tools in its six slots (docs/protocol.md 1.9, 1.10, 1.12, 1.13).
+// hand tools in its six slots (docs/design/protocol.md 1.9, 1.10, 1.12, 1.13).
 //
 // A plain value, like SimModule: nothing runs in the background; each command
 // works out the state at the moment it arrives.

@@ -1,6 +1,6 @@
 // The module command set. Every operation builds one ModuleCommand, hands it
 // to the open link and turns the answer into a small result record; nothing
-// here keeps state. See docs/protocol.md for the bytes of every command.
+// here keeps state. See docs/design/protocol.md for the bytes of every command.
 //
 // Conventions of the records:
 //  - LinkStatus: the link's status of the exchange (0 good, 255 nothing arrived,

@@ -7,7 +7,7 @@
 namespace KavroLibrary {
 
 // The controller's identify answer: 27 bytes in fields of 8, 2, 8, 4, 4, 1.
-// Field meanings are documented in docs/protocol.md.
+// Field meanings are documented in docs/design/protocol.md.
 struct ControllerIdentifyReply {
     std::int32_t Error = 255;     // 0 success
     char Identity[8] = {};        // identity, first 8 characters

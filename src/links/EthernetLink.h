@@ -40,7 +40,7 @@ std::uint32_t SetControllerIdleETHIM(NetworkConfiguration* config);
 void StartDynamicETHIM(NetworkConfiguration* config, sDynamicMode mode);
 
 // Sets the controller's capability flags and speeds from its type code and
-// firmware number (see docs/links.md).
+// firmware number (see docs/design/links.md).
 void UpdateCapabilitiesETHIM(NetworkConfiguration* config);
 
 }  // namespace KavroLibrary
