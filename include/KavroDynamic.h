@@ -34,6 +34,9 @@ public:
     // A finished read with decoding still at work reports Processing.
     eDynamicState DynamicState() const;
     bool ValidateInterval(int microseconds) const;
+    // How the current or last run went: packets, packets asked for again,
+    // reading sets, and whether readings went missing.
+    sDynamicHealth Health() const;
 
     void setCollectionSize(int size);
     void setDynamicRate(eDynamicRate rate);
@@ -63,9 +66,16 @@ public:
     void StopCommands();
 
 private:
+    friend class KavroNetwork;
+
     // Every setter starts here: refuses while the network is busy and
     // un-prepares a prepared run.
     void dynamicAllowChange();
+    // Takes the collection's modules out of dynamic mode, as well as the bus allows.
+    void leaveDynamicMode() noexcept;
+    // Stops a run if one goes and waits for its threads, whatever the
+    // network's state: the network is going or its link closing.
+    void endRun() noexcept;
 
     KavroNetwork* network_;  // owner, not owned
     std::int32_t collectionSize_ = 0;

@@ -24,4 +24,15 @@ struct sDynamicReadingData {
     std::int32_t counts = 0;  // the raw 24-bit word when error is 0, else 0
 };
 
+// How a dynamic run went, readable while it runs and after it ended.
+struct sDynamicHealth {
+    std::uint64_t Packets = 0;          // packets taken in, with or without readings
+    std::uint64_t PacketsAskedAgain = 0;  // packets that arrived damaged and were asked for again
+    std::uint64_t ReadingSets = 0;      // reading sets taken in
+    std::uint64_t ReadingSetsLost = 0;  // reading sets known missing from the stream
+    // Readings are missing: sets skipped in the stream, the controller's
+    // store overflowed, or the run ended on an error before its end.
+    bool DataLost = false;
+};
+
 }  // namespace KavroLibrary

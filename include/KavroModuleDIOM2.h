@@ -2,6 +2,7 @@
 // buffered and dynamic runs as their master.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <string>
 
@@ -29,7 +30,7 @@ public:
 
 private:
     eDynamicMasterMode dynamicMasterMode_ = eDynamicMasterMode::Instant;
-    bool dynamicMasterArmed_ = false;
+    std::atomic<bool> dynamicMasterArmed_{false};  // cleared by the run's read thread
 };
 
 }  // namespace KavroLibrary

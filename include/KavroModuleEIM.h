@@ -2,6 +2,7 @@
 // A third-generation one can pace buffered and dynamic runs as their master.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <string>
 
@@ -35,7 +36,7 @@ private:
     eQuadratureMode quadratureMode_ = eQuadratureMode::quadX4;
     eEncoderInterfaceType interfaceType_ = eEncoderInterfaceType::Differential;
     eDynamicMasterMode dynamicMasterMode_ = eDynamicMasterMode::Instant;
-    bool dynamicMasterArmed_ = false;
+    std::atomic<bool> dynamicMasterArmed_{false};  // cleared by the run's read thread
 };
 
 }  // namespace KavroLibrary

@@ -118,6 +118,10 @@ protected:
     // Appends under the list's lock: the notification thread publishes its
     // module this way while the application may be looking at the list.
     void publishModule(KavroModule* module);
+    // Ends a difference, buffered or dynamic run as well as the bus allows,
+    // so that a network can be let go mid-run; never throws. A link calls it
+    // before it closes.
+    void stopRunningMode() noexcept;
 
     std::unique_ptr<NetworkConfiguration> config_;
     std::unique_ptr<NetworkBuffered> buffered_;
@@ -130,9 +134,6 @@ private:
     // setNetSpeed's work; the ending notification thread may call it while
     // the operation says so.
     void applyNetSpeed(eNetSpeed speed, bool fromEndingNotification);
-    // Ends a difference or buffered run as well as the bus allows, so that a
-    // network can be let go mid-run; never throws.
-    void stopRunningMode() noexcept;
 
     // Guards every change of the module list and every look at it that the
     // application may make while the notification thread runs.

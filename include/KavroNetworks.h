@@ -2,6 +2,7 @@
 // controller configuration files, then the USB interface modules found.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,7 +32,13 @@ public:
     void DisconnectAll();
 
 private:
+    friend class KavroServer;
+
     void clear();
+
+    // Called before the networks are destroyed, so that the server's watcher
+    // lets go of them first.
+    std::function<void()> beforeClear_;
 
     std::unique_ptr<FTDICommunications> ftdi_;
     std::vector<KavroNetwork*> networks_;

@@ -3,7 +3,9 @@
 // at once.
 #pragma once
 
+#include <atomic>
 #include <memory>
+#include <thread>
 #include <string>
 
 namespace KavroLibrary {
@@ -38,8 +40,15 @@ public:
     void StopAllDynamic();
 
 private:
-    void (*callback_)() = nullptr;
+    friend void WaitForDynamicThreadProcess(KavroServer* server, void (*callback)());
+    // Ends every run and the watcher (which then calls its callback): the
+    // networks are about to go.
+    void endWatch() noexcept;
+
+    std::atomic<void (*)()> callback_{nullptr};
     std::unique_ptr<KavroNetworks> networks_;
+    std::thread watcher_;
+    std::atomic<bool> cancelWatch_{false};
 };
 
 // The body of the watcher thread of StartAllDynamic(callback).

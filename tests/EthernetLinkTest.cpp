@@ -265,6 +265,4 @@ TEST(EthernetLinkTest, CapabilitiesFollowTypeAndFirmware) {
     EXPECT_TRUE(config.DynamicFlag && config.Dynamic2Flag && config.DynamicExternalSourceFlag);
     EXPECT_FALSE(config.ReadburstFlag);
     EXPECT_EQ(config.ControllerSpeeds, (std::vector<eNetSpeed>{eNetSpeed::Low, eNetSpeed::High, eNetSpeed::UltraHigh}));
-    EXPECT_EQ(messageOf([&] { StartDynamicETHIM(&config, {}); }),
-              "Dynamic streaming over Ethernet is not available in this version");
 }

@@ -46,8 +46,8 @@ TEST(KavroServer, IdentityErrorTextsAndAnEmptyCollection) {
     EXPECT_EQ(0u, server.Networks()->Count());
 }
 
-// Catches a callback that never comes, comes twice, too early, or on the caller's thread.
-TEST(KavroServer, AllDynamicWithoutNetworksCallsBackAfterTheFirstLook) {
+// Catches a callback that never comes, comes twice, or on the caller's thread.
+TEST(KavroServer, AllDynamicWithoutNetworksCallsBackOnce) {
     calls = 0;
     KavroServer server;
     const auto start = std::chrono::steady_clock::now();
@@ -56,8 +56,6 @@ TEST(KavroServer, AllDynamicWithoutNetworksCallsBackAfterTheFirstLook) {
     {
         std::unique_lock<std::mutex> guard(callbackLock);
         ASSERT_TRUE(done.wait_for(guard, std::chrono::seconds(5), [] { return calls > 0; }));
-        // The watcher looks only after its first 50 ms.
-        EXPECT_GE(calledAt - start, std::chrono::milliseconds(50));
         EXPECT_LT(calledAt - start, std::chrono::seconds(2));
         EXPECT_NE(std::this_thread::get_id(), calledOn);
         EXPECT_EQ(1, calls);

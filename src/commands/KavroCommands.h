@@ -35,7 +35,10 @@ enum class eSetModeMode : std::int32_t {
     Dynamic4K = 62,
     Dynamic2Custom = 63,
     BufferedMaster = 75,
+    DynamicMasterMode = 76,
     TxSample = 77,
+    DynamicMasterRate = 78,
+    DynamicMasterModules = 79,
 };
 
 // Actions of the broadcast control command.

@@ -226,11 +226,6 @@ std::uint32_t SetControllerIdleETHIM(NetworkConfiguration* config) {
     return 0;
 }
 
-void StartDynamicETHIM(NetworkConfiguration* config, sDynamicMode /*mode*/) {
-    if (config->ControllerTypeCode != "ETH2") throw std::runtime_error("Controller is not dynamic capable");
-    throw std::runtime_error("Dynamic streaming over Ethernet is not available in this version");
-}
-
 void UpdateCapabilitiesETHIM(NetworkConfiguration* config) {
     const bool current = config->ControllerValue > 149;
     const bool secondGeneration = config->ControllerTypeCode == "ETH2";

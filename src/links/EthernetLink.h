@@ -37,7 +37,9 @@ ControllerIdentifyReply ETHIMKavroIdentifyController(NetworkConfiguration* confi
 ControllerInfoReply ETHIMKavroGetInfoController(NetworkConfiguration* config);
 std::uint32_t SetControllerSpeedETHIM(NetworkConfiguration* config, eNetSpeed speed);
 std::uint32_t SetControllerIdleETHIM(NetworkConfiguration* config);
+// Dynamic streaming ("ETH2" controllers only; see EthernetDynamic.cpp).
 void StartDynamicETHIM(NetworkConfiguration* config, sDynamicMode mode);
+void DynamicReadThreadProcessETH(NetworkConfiguration* config, sDynamicMode mode) noexcept;
 
 // Sets the controller's capability flags and speeds from its type code and
 // firmware number (see docs/design/links.md).

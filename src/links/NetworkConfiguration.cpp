@@ -3,18 +3,21 @@
 #include <algorithm>
 #include <utility>
 
+#include "links/DynamicStream.h"
+
 namespace KavroLibrary {
 
 NetworkConfiguration::NetworkConfiguration(int networkNumber, std::string networkName)
     : NetworkNumber(networkNumber), NetworkName(std::move(networkName)) {}
 
 NetworkConfiguration::~NetworkConfiguration() {
+    // A run's threads use the record to their last act.
+    DynamicStopRequest = true;
+    JoinDynamicThreads(this);
     // Blocks still queued from a run belong to the record.
     std::lock_guard<std::mutex> guard(QueueLock);
     for (unsigned char* block : DynamicQueue) delete[] block;
     DynamicQueue.clear();
-    if (ReadThread.joinable()) ReadThread.detach();
-    if (DecodeThread.joinable()) DecodeThread.detach();
 }
 
 void NetworkConfiguration::offerSpeed(eNetSpeed speed) {

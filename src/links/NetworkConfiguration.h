@@ -4,6 +4,7 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -71,8 +72,20 @@ struct NetworkConfiguration {
     std::atomic<bool> DynamicFinished{false};
     std::atomic<int> DynamicError{0};
     std::deque<unsigned char*> DynamicQueue;  // owned 4096-byte new[] blocks
+    // Under QueueLock: a block was queued, or the read thread has finished.
+    std::condition_variable QueueSignal;
+    // Both joined by whoever ends or replaces the run, never detached.
     std::thread ReadThread;
     std::thread DecodeThread;
+    // Under RunLock: the run has reached Complete.
+    std::mutex RunLock;
+    std::condition_variable RunSignal;
+    // The health of the current or last run, counted by the read thread.
+    std::atomic<std::uint64_t> DynamicPackets{0};
+    std::atomic<std::uint64_t> DynamicPacketsAskedAgain{0};
+    std::atomic<std::uint64_t> DynamicSetsReceived{0};
+    std::atomic<std::uint64_t> DynamicSetsLost{0};
+    std::atomic<bool> DynamicDataLost{false};
     // Held for one request and its answer on the link, so that threads
     // sharing a network (the application's, notification, a dynamic run's
     // read thread) never interleave their bytes.

@@ -23,6 +23,7 @@ KavroDynamic::KavroDynamic(KavroNetwork* network) : network_(network) {
 }
 
 KavroDynamic::~KavroDynamic() {
+    endRun();
     NetworkConfiguration* config = network_->Configuration();
     delete config->DynamicData;
     config->DynamicData = nullptr;
@@ -70,7 +71,31 @@ void KavroDynamic::dynamicAllowChange() {
     if (config->ActiveOperation != OperationIdle) {
         throw std::runtime_error("Cannot change dynamic properties whilst the network is performing an operation.");
     }
-    if (config->DynamicState == eDynamicState::Prepared) config->DynamicState = eDynamicState::Inactive;
+    if (config->DynamicState == eDynamicState::Prepared) {
+        config->DynamicState = eDynamicState::Inactive;
+        leaveDynamicMode();
+    }
+}
+
+void KavroDynamic::leaveDynamicMode() noexcept {
+    if (!network_->IsConnected()) return;
+    try {
+        StopCommands();
+    } catch (...) {
+        // The modules stay in dynamic mode until the next run ends or the
+        // bus is reset; nothing else depends on it.
+    }
+}
+
+sDynamicHealth KavroDynamic::Health() const {
+    const NetworkConfiguration* config = network_->Configuration();
+    sDynamicHealth health;
+    health.Packets = config->DynamicPackets;
+    health.PacketsAskedAgain = config->DynamicPacketsAskedAgain;
+    health.ReadingSets = config->DynamicSetsReceived;
+    health.ReadingSetsLost = config->DynamicSetsLost;
+    health.DataLost = config->DynamicDataLost;
+    return health;
 }
 
 void KavroDynamic::setCollectionSize(int size) {

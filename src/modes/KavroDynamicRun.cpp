@@ -1,14 +1,19 @@
 // Dynamic mode: validation of the settings against the network and its
 // modules, preparing the modules, and starting and stopping a run.
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "KavroDynamic.h"
 #include "KavroDynamicData.h"
+#include "KavroModuleDP.h"
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
 #include "core/ErrorDictionary.h"
 #include "core/ProtocolSleep.h"
+#include "links/DynamicStream.h"
 #include "links/NetworkConfiguration.h"
+#include "readings/KavroReadType.h"
 
 namespace KavroLibrary {
 
@@ -223,7 +228,7 @@ void KavroDynamic::Prepare() {
 void KavroDynamic::ClearPrepared() {
     NetworkConfiguration* config = network_->Configuration();
     eDynamicState prepared = eDynamicState::Prepared;
-    config->DynamicState.compare_exchange_strong(prepared, eDynamicState::Inactive);
+    if (config->DynamicState.compare_exchange_strong(prepared, eDynamicState::Inactive)) leaveDynamicMode();
 }
 
 void KavroDynamic::StartDynamic(void (*callback)(int)) {
@@ -241,18 +246,39 @@ void KavroDynamic::StartDynamic(void (*callback)(int)) {
     }
     const std::string complaints = ValidateDynamic();
     if (!complaints.empty()) throw std::runtime_error(complaints);
+    // Busy before the threads start: a short run may end before the start
+    // returns, and must find the network busy so that it frees it.
+    int idle = OperationIdle;
+    if (!config->ActiveOperation.compare_exchange_strong(idle, OperationDynamic)) {
+        throw std::runtime_error("Cannot start dynamic whilst performing another Kavro operation.");
+    }
     StartDynamicValidated();
-    config->ActiveOperation = OperationDynamic;
 }
 
 void KavroDynamic::StartDynamic() { StartDynamic(nullptr); }
 
 void KavroDynamic::StartDynamicValidated() {
     NetworkConfiguration* config = network_->Configuration();
+    // A finished run's threads are done with the data before it is emptied.
+    JoinDynamicThreads(config);
     {
+        // Each module's decoder as it is now: a module changed or removed
+        // during the run does not change how its readings read.
+        std::vector<std::shared_ptr<const KavroReadType>> decoders;
+        std::vector<bool> probes;
+        for (int i = 0; i < numberOfModules_; ++i) {
+            KavroModule* module = network_->GetModule(static_cast<unsigned int>(i));
+            std::shared_ptr<KavroReadType> decoder;
+            if (module != nullptr && module->ReadType() != nullptr) {
+                decoder = std::make_shared<KavroReadType>(*module->ReadType());
+            }
+            const bool probe = dynamic_cast<KavroModuleDP*>(module) != nullptr;
+            if (probe && decoder) decoder->UpdateFullScale();
+            decoders.push_back(std::move(decoder));
+            probes.push_back(probe);
+        }
         std::lock_guard<std::mutex> guard(config->DataLock);
-        delete config->DynamicData;
-        config->DynamicData = new KavroDynamicData(config, numberOfModules_);
+        config->DynamicData->Reset(numberOfModules_, std::move(decoders), std::move(probes));
     }
     sDynamicMode mode;
     mode.Collection = collectionSize_ == 0 ? -1 : collectionSize_;
@@ -265,13 +291,16 @@ void KavroDynamic::StartDynamicValidated() {
     }
     stopped_ = false;
     config->DynamicState = eDynamicState::Reading;
+    config->ActiveOperation = OperationDynamic;
     try {
         if (config->StartDynamic == nullptr) throw std::runtime_error("Controller is not dynamic capable");
         config->StartDynamic(config, mode);
     } catch (...) {
-        // The link could not stream: nothing runs, so nothing is left to stop.
+        // Nothing streams: the network is free and the modules leave dynamic mode.
         stopped_ = true;
         config->DynamicState = eDynamicState::Inactive;
+        config->ActiveOperation = OperationIdle;
+        leaveDynamicMode();
         throw;
     }
 }
@@ -280,13 +309,19 @@ void KavroDynamic::StopDynamic() {
     NetworkConfiguration* config = network_->Configuration();
     if (!network_->IsConnected() || !enabled_ || stopped_) return;
     config->DynamicStopRequest = true;
-    // Waits for the decoding thread to report the run complete. A run that
-    // never started reading has nothing to wait for.
-    for (;;) {
-        const eDynamicState state = config->DynamicState;
-        if (state == eDynamicState::Complete || state != eDynamicState::Reading) break;
-        protocolSleep(std::chrono::microseconds(100));
+    {
+        // A run that never started reading has nothing to wait for.
+        std::unique_lock<std::mutex> run(config->RunLock);
+        config->RunSignal.wait(run, [&] { return config->DynamicState != eDynamicState::Reading; });
     }
+    JoinDynamicThreads(config);
+    stopped_ = true;
+}
+
+void KavroDynamic::endRun() noexcept {
+    NetworkConfiguration* config = network_->Configuration();
+    config->DynamicStopRequest = true;
+    JoinDynamicThreads(config);
     stopped_ = true;
 }
 

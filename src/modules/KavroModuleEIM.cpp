@@ -1,5 +1,6 @@
 #include "KavroModuleEIM.h"
 
+#include "modules/DynamicMasterSetup.h"
 #include "modules/ModuleSettingText.h"
 
 namespace KavroLibrary {
@@ -8,12 +9,17 @@ KavroModuleEIM::KavroModuleEIM(NetworkConfiguration* config, int address) : Kavr
 
 KavroModuleEIM::~KavroModuleEIM() = default;
 
-// The master's role in a dynamic run has no bus command of its own yet: the
-// set-up is held here and checked before the run starts.
+// Set-mode commands make the module the run's master (docs/design/protocol.md 1.2).
 std::string KavroModuleEIM::SetupDynamicMaster(int numberOfModules, int collectionSize, eDynamicRate rate) {
     if (!DynamicMasterCapable()) return KavroModule::SetupDynamicMaster(numberOfModules, collectionSize, rate);
     const std::string complaint = ValidateDynamicMaster();
     if (!complaint.empty()) return complaint;
+    const std::string failure = sendDynamicMasterSetup(*this, dynamicMasterMode_, numberOfModules, rate);
+    // Half a set-up is undone: the module must not pace a bus nobody reads.
+    if (!failure.empty()) {
+        sendDynamicMasterClear(*this);
+        return failure;
+    }
     dynamicMasterArmed_ = true;
     return "";
 }
@@ -30,7 +36,10 @@ std::string KavroModuleEIM::ValidateDynamicMaster() {
     return "";
 }
 
-void KavroModuleEIM::ClearDynamicMaster() { dynamicMasterArmed_ = false; }
+void KavroModuleEIM::ClearDynamicMaster() {
+    if (!dynamicMasterArmed_.exchange(false)) return;
+    sendDynamicMasterClear(*this);
+}
 
 void KavroModuleEIM::LoadXML(std::map<std::string, std::string> settings) {
     KavroModuleEncoder::LoadXML(settings);

@@ -61,6 +61,8 @@ void KavroNetwork::Disconnect() {
 }
 
 void KavroNetwork::stopRunningMode() noexcept {
+    // A dynamic run's threads use the link: they end before it closes.
+    if (dynamic_) dynamic_->endRun();
     const int operation = config_->ActiveOperation;
     if (operation != OperationDifference && operation != OperationBuffered) return;
     try {

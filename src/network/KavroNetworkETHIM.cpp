@@ -24,7 +24,8 @@ KavroNetworkETHIM::KavroNetworkETHIM(int networkNumber, std::string networkName,
 }
 
 KavroNetworkETHIM::~KavroNetworkETHIM() {
-    // The modules are reset while the socket is still open.
+    // A run's threads and the modules' reset use the link while it is still open.
+    stopRunningMode();
     if (config_->Connected) KavroNetworkETHIM::Disconnect();
     closeSocket();
 }

@@ -1,22 +1,11 @@
 #include "KavroNetworkUSBIM.h"
 
-#include <stdexcept>
-
 #include "links/FtdiCommunications.h"
 #include "links/NetworkConfiguration.h"
+#include "links/UsbDynamic.h"
 #include "links/UsbFraming.h"
 
 namespace KavroLibrary {
-
-namespace {
-
-// Dynamic streaming over USB arrives with the dynamic mode; until then the
-// link refuses like the links that cannot stream.
-void StartDynamicFTDIUnavailable(NetworkConfiguration*, sDynamicMode) {
-    throw std::runtime_error("Controller is not dynamic capable");
-}
-
-}  // namespace
 
 void fillUsbLinkTable(NetworkConfiguration* config) {
     config->Identify = &IdentifyNetwork;
@@ -25,7 +14,7 @@ void fillUsbLinkTable(NetworkConfiguration* config) {
     config->GetReply = &GetModuleCommandResponse;
     config->SetSpeed = &SetControllerSpeedFTDI;
     config->SetIdle = &SetControllerIdleFTDI;
-    config->StartDynamic = &StartDynamicFTDIUnavailable;
+    config->StartDynamic = &StartDynamicFTDI;
 }
 
 KavroNetworkUSBIM::KavroNetworkUSBIM(int networkNumber, int deviceIndex) : KavroNetwork(networkNumber, "") {
@@ -36,7 +25,8 @@ KavroNetworkUSBIM::KavroNetworkUSBIM(int networkNumber, int deviceIndex) : Kavro
 }
 
 KavroNetworkUSBIM::~KavroNetworkUSBIM() {
-    // The modules are reset while the channel is still open.
+    // A run's threads and the modules' reset use the link while it is still open.
+    stopRunningMode();
     try {
         if (IsConnected()) KavroNetworkUSBIM::Disconnect();
     } catch (const std::exception&) {

@@ -13,6 +13,7 @@ KavroNetworks::KavroNetworks() : ftdi_(std::make_unique<FTDICommunications>()) {
 KavroNetworks::~KavroNetworks() { clear(); }
 
 void KavroNetworks::clear() {
+    if (beforeClear_ && !networks_.empty()) beforeClear_();
     for (KavroNetwork* network : networks_) delete network;
     networks_.clear();
 }
