@@ -4,14 +4,17 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "KavroDynamic.h"
+#include "KavroDynamicData.h"
 #include "KavroNetwork.h"
 #include "KavroServer.h"
 #include "links/NetworkConfiguration.h"
 #include "PyBindings.h"
 #include "PyCallback.h"
 #include "PyModuleGuard.h"
+#include "PyReadingRecord.h"
 
 namespace kavro_python {
 
@@ -62,6 +65,42 @@ void setRunCallback(int network, std::shared_ptr<PyCallback> callback) {
     }
 }
 
+// Readings of a run as one array: a module's readings (1-D), or every
+// module's (2-D, reading sets by modules), from `first` on, `count` of them
+// (all when negative).
+py::array_t<ReadingRecord> dynamicReadings(const KavroDynamicData& data, py::object module, int first, int count) {
+    registerReadingRecord();
+    const int available = data.ReadingCount();
+    if (first < 0) throw py::index_error("first must not be negative");
+    const int n = first >= available ? 0 : (count < 0 ? available - first : std::min(count, available - first));
+    std::vector<sReadingItem> items(static_cast<std::size_t>(n));
+    if (!module.is_none()) {
+        const int index = module.cast<int>();
+        if (index < 0 || index >= data.ModuleCount()) throw py::index_error("module index out of range");
+        if (n > 0) {
+            py::gil_scoped_release released;
+            data.GetItems(index, first, n, items.data());
+        }
+        py::array_t<ReadingRecord> array(n);
+        ReadingRecord* out = array.mutable_data();
+        for (int i = 0; i < n; ++i) out[i] = ReadingRecord::of(items[static_cast<std::size_t>(i)]);
+        return array;
+    }
+    const int modules = data.ModuleCount();
+    py::array_t<ReadingRecord> array({n, modules});
+    ReadingRecord* out = array.mutable_data();
+    for (int m = 0; m < modules && n > 0; ++m) {
+        {
+            py::gil_scoped_release released;
+            data.GetItems(m, first, n, items.data());
+        }
+        for (int i = 0; i < n; ++i) {
+            out[static_cast<std::size_t>(i) * modules + m] = ReadingRecord::of(items[static_cast<std::size_t>(i)]);
+        }
+    }
+    return array;
+}
+
 }  // namespace
 
 void bindDynamic(py::module_& m) {
@@ -110,7 +149,50 @@ void bindDynamic(py::module_& m) {
             py::arg("callback") = py::none(),
             "Starts the prepared run; callback(network_number), if given, is called from the library's "
             "thread when the run is complete.")
-        .def("StopDynamic", onNetworkPart(&KavroDynamic::StopDynamic), WithoutGil());
+        .def("StopDynamic", onNetworkPart(&KavroDynamic::StopDynamic), WithoutGil())
+        .def(
+            "Health",
+            [](const KavroDynamic& dynamic) {
+                ensureNetworkPart(&dynamic);
+                const sDynamicHealth health = dynamic.Health();
+                py::dict out;
+                out["packets"] = health.Packets;
+                out["packets_asked_again"] = health.PacketsAskedAgain;
+                out["reading_sets"] = health.ReadingSets;
+                out["reading_sets_lost"] = health.ReadingSetsLost;
+                out["data_lost"] = health.DataLost;
+                return out;
+            },
+            "How the current or last run went, as a dict.")
+        .def(
+            "DynamicData",
+            [](KavroDynamic& dynamic) {
+                ensureNetworkPart(&dynamic);
+                return dynamic.DynamicData();
+            },
+            py::return_value_policy::reference_internal,
+            "The readings of the current or last run (the same object from run to run).");
+
+    py::class_<KavroDynamicData>(m, "KavroDynamicData")
+        .def("ModuleCount", &KavroDynamicData::ModuleCount)
+        .def("ReadingCount", &KavroDynamicData::ReadingCount)
+        .def("CollectionStatus", &KavroDynamicData::CollectionStatus)
+        .def("CheckBounds", &KavroDynamicData::CheckBounds, py::arg("module_index"), py::arg("reading_index"))
+        .def(
+            "GetItem",
+            [](const KavroDynamicData& data, int module, int reading) {
+                const sReadingItem item = data.GetItem(module, reading);
+                return py::make_tuple(item.error, item.counts, item.value);
+            },
+            py::arg("module_index"), py::arg("reading_index"), "(error, counts, value) of one reading.")
+        .def("GetReadingErrorStatus", &KavroDynamicData::GetReadingErrorStatus, py::arg("module_index"),
+             py::arg("reading_index"))
+        .def("GetReadingInCounts", &KavroDynamicData::GetReadingInCounts, py::arg("module_index"),
+             py::arg("reading_index"))
+        .def("readings", &dynamicReadings, py::arg("module") = py::none(), py::arg("first") = 0,
+             py::arg("count") = -1,
+             "Readings as a numpy record array (error, counts, value): one module's (1-D), or every module's "
+             "(reading sets by modules).");
 
     // A network's dynamic object, remembered with the number the library
     // gives its callback.

@@ -3,9 +3,10 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <stdexcept>
-#include <vector>
 
 #include "links/DescriptorWait.h"
 #include "links/DynamicStream.h"
@@ -28,8 +29,9 @@ bool exchange(NetworkConfiguration* config, const DynamicBlock& block, std::uint
     const int fd = config->SocketFd;
     if (fd < 0) return false;
     const auto deadline = LinkClock::now() + kPacketLimit;
-    std::vector<unsigned char> request{kStreamKind};
-    request.insert(request.end(), block.begin(), block.end());
+    std::array<unsigned char, 1 + sizeof(DynamicBlock)> request{};
+    request[0] = kStreamKind;
+    std::copy(block.begin(), block.end(), request.begin() + 1);
     std::size_t done = 0;
     while (done < request.size()) {
         const ssize_t n = send(fd, request.data() + done, request.size() - done, MSG_NOSIGNAL | MSG_DONTWAIT);

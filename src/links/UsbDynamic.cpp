@@ -16,8 +16,12 @@ constexpr auto kStopPause = std::chrono::milliseconds(50);
 constexpr auto kResyncPause = std::chrono::milliseconds(400);
 
 std::vector<unsigned char> blockWrite(const DynamicBlock& block) {
-    std::vector<unsigned char> out{kMpsseWaitReady, kMpsseClockOut, kUsbBlockSize - 1, 0x00};
-    out.insert(out.end(), block.begin(), block.end());
+    std::vector<unsigned char> out(4 + block.size());
+    out[0] = kMpsseWaitReady;
+    out[1] = kMpsseClockOut;
+    out[2] = kUsbBlockSize - 1;
+    out[3] = 0x00;
+    std::copy(block.begin(), block.end(), out.begin() + 4);
     return out;
 }
 
