@@ -1,0 +1,153 @@
+// Dynamic runs end to end over the simulated USB and Ethernet controllers:
+// known signals come back as the expected readings, a run stops on request,
+// ends when its link is lost, and lets go when its network is destroyed.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "KavroDynamic.h"
+#include "KavroDynamicData.h"
+#include "KavroNetworkETHIM.h"
+#include "KavroNetworkUSBIM.h"
+#include "ModeTestRig.h"
+#include "UsbStandIn.h"
+#include "core/KavroSim.h"
+#include "links/NetworkConfiguration.h"
+
+using namespace KavroLibrary;
+using namespace kavrosim;
+
+namespace {
+
+enum class Link { Usb, Ethernet };
+
+const double kLevels[] = {0.5, 1.0, 1.5, 2.0};  // mm, one per probe
+
+// One streaming controller with four probes standing still at known levels,
+// all four added to the network at the High speed.
+struct StreamRig {
+    explicit StreamRig(Link link) {
+        if (link == Link::Usb) {
+            usb = std::make_unique<UsbStandIn>("controller usb identity=USBDYN0001 firmware=150\n");
+            network = std::make_unique<KavroNetworkUSBIM>(0, 0);
+        } else {
+            SimControllerConfig config = SimControllerConfig::ethernet("ETHDYN0001");
+            config.typeCode = "ETH2";
+            own = std::make_unique<SimController>(config);
+            face = std::make_unique<SimEthernetFace>(*own);
+            face->start();
+            network = std::make_unique<KavroNetworkETHIM>(0, "Stream", face->location());
+        }
+        for (int i = 0; i < 4; ++i) {
+            controller().addModule(modeProbe("GPDYN0000" + std::to_string(i), 5, 3, SimSignal::constant(kLevels[i])));
+        }
+        network->Connect();
+        for (int i = 0; i < 4; ++i) network->AddModule("GPDYN0000" + std::to_string(i), "");
+        network->setNetSpeed(eNetSpeed::High);
+    }
+    ~StreamRig() {
+        network.reset();
+        if (face) face->stop();
+    }
+    SimController& controller() const { return usb ? usb->controller(0) : *own; }
+
+    // Prepares and starts a run of `sets` reading sets (0: until stopped).
+    KavroDynamic& start(int sets) {
+        KavroDynamic& dynamic = *network->Dynamic();
+        dynamic.setNumberOfModules(4);
+        dynamic.setDynamicRate(eDynamicRate::Rate4K);
+        dynamic.setCollectionSize(sets);
+        dynamic.setEnabled(true);
+        dynamic.Prepare();
+        dynamic.StartDynamic();
+        return dynamic;
+    }
+    bool complete() const { return network->Dynamic()->DynamicState() == eDynamicState::Complete; }
+    // Control action 21 (leave dynamic mode) went out since the log was cleared.
+    bool modulesLeftDynamicMode() const {
+        for (const SimRequest& request : controller().requestLog()) {
+            if (request.kind == SimRequestKind::ModuleCommand && request.code() == 'W' && request.command.size() > 2 &&
+                request.command[2] == 21) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::unique_ptr<UsbStandIn> usb;
+    std::unique_ptr<SimController> own;
+    std::unique_ptr<SimFace> face;
+    std::unique_ptr<KavroNetwork> network;
+};
+
+class DynamicEndToEnd : public ::testing::TestWithParam<Link> {};
+
+std::string linkName(const ::testing::TestParamInfo<Link>& info) {
+    return info.param == Link::Usb ? "Usb" : "Ethernet";
+}
+
+}  // namespace
+
+// The whole collection arrives in module order, readable while it arrives.
+TEST_P(DynamicEndToEnd, KnownSignalsComeBackAsTheirReadings) {
+    StreamRig rig(GetParam());
+    ASSERT_TRUE(rig.network->IsConnected());
+    rig.controller().clearRequestLog();
+    KavroDynamic& dynamic = rig.start(800);
+    KavroDynamicData* data = dynamic.DynamicData();
+    std::atomic<bool> reading{true};
+    std::thread reader([&] {
+        while (reading) {
+            const int count = data->ReadingCount();
+            if (count > 0) data->GetItem(3, count - 1);
+        }
+    });
+    const bool ended = waitFor([&] { return rig.complete(); }, std::chrono::seconds(20));
+    reading = false;
+    reader.join();
+    ASSERT_TRUE(ended);
+    dynamic.StopDynamic();
+
+    ASSERT_EQ(800, data->ReadingCount());
+    EXPECT_EQ(0, data->CollectionStatus());
+    for (int set : {0, 399, 799}) {
+        for (int module = 0; module < 4; ++module) {
+            const sReadingItem item = data->GetItem(module, set);
+            EXPECT_EQ(eKavroErrors::NoError, item.error);
+            EXPECT_NEAR(kLevels[module], item.value, 0.001) << "module " << module << " set " << set;
+        }
+    }
+    const sDynamicHealth health = dynamic.Health();
+    EXPECT_FALSE(health.DataLost);
+    EXPECT_EQ(800u, health.ReadingSets);
+    EXPECT_EQ(OperationIdle, rig.network->Configuration()->ActiveOperation);
+    EXPECT_TRUE(rig.modulesLeftDynamicMode());
+    // The network is free: an ordinary reading and a second run work.
+    EXPECT_NEAR(kLevels[0], rig.network->GetModule(0)->ReadingInUnits(), 0.001);
+    rig.start(100);
+    ASSERT_TRUE(waitFor([&] { return rig.complete(); }, std::chrono::seconds(20)));
+    EXPECT_EQ(100, data->ReadingCount());
+}
+
+TEST_P(DynamicEndToEnd, ARunUntilStoppedStopsOnRequest) {
+    StreamRig rig(GetParam());
+    KavroDynamic& dynamic = rig.start(0);
+    ASSERT_TRUE(waitFor([&] { return dynamic.DynamicData()->ReadingCount() >= 200; }, std::chrono::seconds(20)));
+    dynamic.StopDynamic();
+    EXPECT_TRUE(rig.complete());
+    EXPECT_EQ(0, dynamic.DynamicData()->CollectionStatus());
+    EXPECT_FALSE(dynamic.Health().DataLost);
+    EXPECT_EQ(OperationIdle, rig.network->Configuration()->ActiveOperation);
+}
+
+// Destroying the network mid-run ends the run and its threads first.
+TEST_P(DynamicEndToEnd, ANetworkDestroyedMidRunLetsGo) {
+    StreamRig rig(GetParam());
+    KavroDynamic& dynamic = rig.start(0);
+    ASSERT_TRUE(waitFor([&] { return dynamic.DynamicData()->ReadingCount() > 0; }, std::chrono::seconds(20)));
+    rig.network.reset();
+}
+
+INSTANTIATE_TEST_SUITE_P(BothLinks, DynamicEndToEnd, ::testing::Values(Link::Usb, Link::Ethernet), linkName);
