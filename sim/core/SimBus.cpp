@@ -193,4 +193,11 @@ SimBusReply SimBus::readBurst(int count, SimSpeed speed, Clock::time_point now) 
     return {reply};
 }
 
+SimModule* SimBus::atAddress(int address, SimSpeed speed) {
+    for (SimModule& module : modules_) {
+        if (module.address() == address && module.hears(speed)) return &module;
+    }
+    return nullptr;
+}
+
 }  // namespace kavrosim

@@ -41,6 +41,8 @@ public:
     // Carries one module command (code, address or 0x00, payload) of the
     // given command type to the modules that hear `speed`.
     SimBusReply carry(int type, const Bytes& command, SimSpeed speed, Clock::time_point now);
+    // The module at `address` that hears `speed`, or null.
+    SimModule* atAddress(int address, SimSpeed speed);
 
 private:
     SimBusReply dispatch(const Bytes& command, SimSpeed speed, Clock::time_point now);

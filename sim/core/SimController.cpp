@@ -92,6 +92,16 @@ SimSpeed SimController::busSpeed() const {
     return speed_;
 }
 
+bool SimController::streaming() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return stream_.running();
+}
+
+std::int64_t SimController::setsStreamed() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return stream_.setsSent();
+}
+
 void SimController::injectFault(const SimFault& fault) {
     std::lock_guard<std::mutex> lock(mutex_);
     faults_.add(fault);
@@ -159,8 +169,13 @@ SimAnswer SimController::respond(const SimRequest& request) {
         result.action = SimAnswer::Action::Close;
         return result;
     }
-    result = request.kind == SimRequestKind::ModuleCommand ? answerModuleCommand(request, fault)
-                                                           : answerControllerRequest(request, fault);
+    if (request.kind == SimRequestKind::DynamicStart || request.kind == SimRequestKind::DynamicRead ||
+        request.kind == SimRequestKind::DynamicStop) {
+        result = answerDynamic(request, fault);
+    } else {
+        result = request.kind == SimRequestKind::ModuleCommand ? answerModuleCommand(request, fault)
+                                                               : answerControllerRequest(request, fault);
+    }
     if (fault) {
         switch (fault->kind) {
             case SimFaultKind::DropReply:
@@ -242,6 +257,56 @@ SimAnswer SimController::answerControllerRequest(const SimRequest& request, cons
     }
     if (fault && fault->kind == SimFaultKind::ErrorReply) answer.status = static_cast<std::uint8_t>(fault->value);
     if (fault && fault->kind == SimFaultKind::ShortReply) answer.cutAt = static_cast<std::size_t>(fault->value);
+    return answer;
+}
+
+SimAnswer SimController::answerDynamic(const SimRequest& request, const std::optional<SimFault>& fault) {
+    SimAnswer answer;
+    // Controllers that do not stream do not know these requests.
+    if (!config_.streams() || request.block.size() < 20) {
+        answer.action = SimAnswer::Action::Silent;
+        return answer;
+    }
+    const Clock::time_point now = request.received;
+    if (request.kind == SimRequestKind::DynamicStart) {
+        stream_.start(request.block, speed_, config_.unthrottled, now);
+        return answer;
+    }
+    if (request.kind == SimRequestKind::DynamicStop) {
+        stream_.stop(now);
+        return answer;
+    }
+    const bool hit = fault && fault->kind == SimFaultKind::EndStatus;
+    if (hit) stream_.abort(static_cast<std::uint8_t>(fault->value));
+    const bool empty = fault && fault->kind == SimFaultKind::EmptyPacket;
+    const SimDynamicStream::Packet packet =
+        empty ? SimDynamicStream::Packet{}
+              : stream_.read(request.block, now, [this](int module, Clock::time_point when) -> std::uint32_t {
+                    SimModule* found = bus_.atAddress(module + 1, speed_);
+                    return found == nullptr ? 0x8000FF : found->dynamicWord(when);
+                });
+    answer.data = packet.bytes;
+    if (empty) {
+        // Readings are due but none come: a header that says so, checked.
+        answer.data.assign(SimDynamicStream::kPacketSize, 0);
+        answer.data[0] = 16;
+        answer.data[6] = request.block[4];
+        const std::uint16_t crc = SimDynamicStream::crc16(answer.data.data(), 14);
+        answer.data[14] = static_cast<std::uint8_t>(crc >> 8);
+        answer.data[15] = static_cast<std::uint8_t>(crc & 0xFF);
+    } else if (packet.ready > now) {
+        answer.delay = std::chrono::duration_cast<std::chrono::milliseconds>(packet.ready - now);
+    }
+    if (fault && fault->kind == SimFaultKind::CorruptCrc) {
+        // The CRC follows the readings; flipping it leaves the packet as it was.
+        const std::size_t sets = static_cast<std::size_t>(answer.data[12]) | (answer.data[13] << 8);
+        const std::size_t at = 14 + sets * static_cast<std::size_t>(stream_.modules()) * 3;
+        if (at + 1 < answer.data.size()) answer.data[at + 1] ^= 0x5A;
+    }
+    if (fault && fault->kind == SimFaultKind::BadLength) {
+        answer.data[12] = 0xFF;
+        answer.data[13] = 0xFF;
+    }
     return answer;
 }
 

@@ -20,6 +20,7 @@
 
 #include "core/SimBus.h"
 #include "core/SimControllerConfig.h"
+#include "core/SimDynamicStream.h"
 #include "core/SimFault.h"
 #include "core/SimModule.h"
 #include "core/SimRequest.h"
@@ -57,6 +58,9 @@ public:
     // The module answers the next notify.
     void announce(const std::string& identity);
     SimSpeed busSpeed() const;
+    // Whether a dynamic stream runs, and how many reading sets it has sent.
+    bool streaming() const;
+    std::int64_t setsStreamed() const;
 
     // --- Faults, applied to requests in the order they were injected.
     void injectFault(const SimFault& fault);
@@ -87,6 +91,7 @@ private:
     SimAnswer answerModuleCommand(const SimRequest& request, const std::optional<SimFault>& fault);
     SimAnswer answerControllerRequest(const SimRequest& request, const std::optional<SimFault>& fault);
     SimAnswer respond(const SimRequest& request);
+    SimAnswer answerDynamic(const SimRequest& request, const std::optional<SimFault>& fault);
 
     const SimControllerConfig config_;
     mutable std::mutex mutex_;
@@ -94,6 +99,7 @@ private:
     SimBus bus_;
     SimSpeed speed_ = SimSpeed::Low;
     SimFaultList faults_;
+    SimDynamicStream stream_;
     std::deque<SimRequest> log_;
     std::size_t logLimit_ = 10000;
     std::uint64_t requestCount_ = 0;

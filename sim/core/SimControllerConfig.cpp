@@ -108,4 +108,8 @@ std::string SimControllerConfig::describe() const {
     return text;
 }
 
+bool SimControllerConfig::streams() const {
+    return typeCode == "ETH2" || (typeCode == "USB2" && firmwareNumber >= 150);
+}
+
 }  // namespace kavrosim

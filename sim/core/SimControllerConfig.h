@@ -21,6 +21,9 @@ struct SimControllerConfig {
     std::string limitText;         // up to 16 characters: "L032" allows 32 modules
     std::string description;       // up to 16 characters
     std::vector<SimSpeed> speeds;  // empty: what the type code and firmware offer
+    // A dynamic stream ignores its rate and sends every set as soon as it is
+    // asked for (benchmarks of the host's side).
+    bool unthrottled = false;
 
     // Typical controllers: an Ethernet one (ETHI, 1.50), a serial one (232I,
     // 1.60, so that it offers High), a USB one (USB2, 1.50) and a wireless
@@ -37,6 +40,8 @@ struct SimControllerConfig {
     // and UltraHigh, serial and wireless ones above 150 add High; or the
     // list given.
     std::vector<SimSpeed> supportedSpeeds() const;
+    // ETH2 controllers and USB2 ones from firmware 1.50 stream dynamic data.
+    bool streams() const;
     std::string version() const;  // the 5-character firmware text
     Bytes identityBytes() const;  // 27 bytes: identity, part number, model, firmware text
     Bytes infoBytes() const;      // 38 bytes: type, firmware number (16 bit), limit text, description

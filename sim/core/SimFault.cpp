@@ -34,6 +34,14 @@ std::string faultKindName(SimFaultKind kind) {
             return "close";
         case SimFaultKind::CutFrame:
             return "cut";
+        case SimFaultKind::CorruptCrc:
+            return "bad-crc";
+        case SimFaultKind::BadLength:
+            return "bad-length";
+        case SimFaultKind::EmptyPacket:
+            return "empty-packet";
+        case SimFaultKind::EndStatus:
+            return "end-status";
     }
     return "unknown";
 }
@@ -49,6 +57,25 @@ SimFault SimFault::delay(std::chrono::milliseconds wait, int times) {
 }
 SimFault SimFault::closeConnection(int times) { return make(SimFaultKind::CloseConnection, times, 0); }
 SimFault SimFault::cutFrame(int keptBytes, int times) { return make(SimFaultKind::CutFrame, times, keptBytes); }
+
+// The packet faults are the dynamic read's.
+SimFault SimFault::corruptCrc(int times) {
+    return make(SimFaultKind::CorruptCrc, times, 0).on(SimRequestKind::DynamicRead);
+}
+SimFault SimFault::badLength(int times) { return make(SimFaultKind::BadLength, times, 0).on(SimRequestKind::DynamicRead); }
+SimFault SimFault::emptyPacket(int times) {
+    return make(SimFaultKind::EmptyPacket, times, 0).on(SimRequestKind::DynamicRead);
+}
+SimFault SimFault::endStatus(std::uint8_t status) {
+    return make(SimFaultKind::EndStatus, 1, status).on(SimRequestKind::DynamicRead);
+}
+
+SimFault SimFault::after(int requests) const {
+    if (requests < 0) throw std::invalid_argument("a fault cannot wait for fewer than no requests");
+    SimFault later = *this;
+    later.skip = requests;
+    return later;
+}
 
 SimFault SimFault::only(std::uint8_t commandCode) const {
     SimFault narrowed = *this;
@@ -74,12 +101,13 @@ bool SimFault::matches(const SimRequest& request) const {
 std::string SimFault::describe() const {
     std::string text = faultKindName(kind);
     if (kind == SimFaultKind::ErrorReply || kind == SimFaultKind::ShortReply || kind == SimFaultKind::Delay ||
-        kind == SimFaultKind::CutFrame) {
+        kind == SimFaultKind::CutFrame || kind == SimFaultKind::EndStatus) {
         text += " " + std::to_string(value);
     }
     text += " x" + std::to_string(times);
     if (target != SimRequestKind::ModuleCommand) text += " on " + requestKindName(target);
     if (command) text += " only '" + std::string(1, static_cast<char>(*command)) + "'";
+    if (skip > 0) text += " after " + std::to_string(skip);
     return text;
 }
 
@@ -91,6 +119,10 @@ void SimFaultList::add(const SimFault& fault) {
 std::optional<SimFault> SimFaultList::take(const SimRequest& request) {
     for (auto it = faults_.begin(); it != faults_.end(); ++it) {
         if (!it->matches(request)) continue;
+        if (it->skip > 0) {
+            --it->skip;
+            continue;
+        }
         SimFault hit = *it;
         if (--it->times == 0) faults_.erase(it);
         return hit;

@@ -411,7 +411,8 @@ Bytes SimModule::setMode(unsigned mode, unsigned argument, Clock::time_point now
         if (argument != 14 && argument != 16 && argument != 18) return refuse(kResolutionNotValid);
         resolutionBits_ = static_cast<int>(argument);
     }
-    // Every other mode (dynamic) is accepted.
+    if (mode >= 60 && mode <= 63) dynamic_ = true;
+    // Every other mode (the dynamic master's among them) is accepted.
     return Bytes{'V', 0};
 }
 
@@ -466,10 +467,12 @@ void SimModule::reset() {
     pendingSpeed_ = SimSpeed::Low;
     difference_.reset();
     buffered_.reset();
+    dynamic_ = false;
 }
 
 void SimModule::control(int action, Clock::time_point now) {
     if (action == 10) speed_ = pendingSpeed_;
+    if (action == 21 || action == 42) dynamic_ = false;
     buffered_.control(*this, action, now);
 }
 
@@ -492,6 +495,16 @@ Bytes SimModule::pingReply() const {
     reply.push_back(static_cast<std::uint8_t>(checksum >> 8));
     reply.push_back(static_cast<std::uint8_t>(checksum & 0xFF));
     return reply;
+}
+
+std::uint32_t SimModule::dynamicWord(Clock::time_point when) {
+    // A module that was not put in dynamic mode does not answer the controller.
+    if (!dynamic_) return 0x8000FF;
+    const SimReading reading = read(when);
+    const bool probe = kind_ == SimKind::DigitalProbe;
+    if (reading.range == SimReading::Range::Under) return probe ? 0x7FFFFF : 0xFFFFFF;
+    if (reading.range == SimReading::Range::Over) return probe ? 0x3FFFFF : 0xFFFFFF;
+    return static_cast<std::uint32_t>(reading.counts) & 0x7FFFFF;
 }
 
 Bytes SimModule::burstRecord(Clock::time_point now) {

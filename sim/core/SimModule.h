@@ -142,6 +142,11 @@ public:
     void stopDifference(Clock::time_point now);
     int pingSlot() const;
     Bytes pingReply() const;
+    // Set-mode 60 to 63 put the module in dynamic mode; control action 21
+    // (or 42) and a reset take it out.
+    bool inDynamicMode() const { return dynamic_; }
+    // The 24-bit word a dynamic stream carries for a set taken at `when`.
+    std::uint32_t dynamicWord(Clock::time_point when);
     // Four bytes of a read burst: 23-bit reading and a status byte.
     Bytes burstRecord(Clock::time_point now);
     Bytes identifyReply() const;
@@ -180,6 +185,7 @@ private:
     long long presetOffset_ = 0;
     SimSignal signal_;
     bool announcing_ = false;
+    bool dynamic_ = false;
     std::uint8_t statusError_ = 0;
     std::uint16_t statusWord_ = 0;
     std::map<unsigned, Bytes> config_;

@@ -1,5 +1,6 @@
 #include "core/SimRequest.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace kavrosim {
@@ -16,6 +17,12 @@ std::string requestKindName(SimRequestKind kind) {
             return "set-speed";
         case SimRequestKind::Idle:
             return "idle";
+        case SimRequestKind::DynamicStart:
+            return "dynamic-start";
+        case SimRequestKind::DynamicRead:
+            return "dynamic-read";
+        case SimRequestKind::DynamicStop:
+            return "dynamic-stop";
         case SimRequestKind::Unknown:
             break;
     }
@@ -47,7 +54,13 @@ std::string SimAnswer::describe() const {
         case Action::Reply:
             break;
     }
-    text += "status " + std::to_string(status) + " " + hexBytes(data);
+    // A dynamic packet is long: its head says what it is.
+    if (data.size() > 64) {
+        text += "status " + std::to_string(status) + " " + hexBytes(Bytes(data.begin(), data.begin() + 16)) + " ... (" +
+                std::to_string(data.size()) + " bytes)";
+    } else {
+        text += "status " + std::to_string(status) + " " + hexBytes(data);
+    }
     if (cutAt) text += " cut to " + std::to_string(*cutAt) + " bytes";
     return text;
 }
@@ -60,6 +73,8 @@ std::string SimRequest::describe() const {
             const char code = static_cast<char>(command[0]);
             text += " '" + std::string(1, code >= ' ' && code <= '~' ? code : '?') + "'";
         }
+    } else if (!block.empty()) {
+        text += " " + hexBytes(Bytes(block.begin(), block.begin() + std::min<std::size_t>(block.size(), 7)));
     } else if (kind == SimRequestKind::SetSpeed) {
         text += " " + std::to_string(speedValue);
     }

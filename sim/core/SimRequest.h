@@ -13,9 +13,20 @@
 
 namespace kavrosim {
 
-enum class SimRequestKind { ModuleCommand, Identify, GetInfo, SetSpeed, Idle, Unknown };
+enum class SimRequestKind {
+    ModuleCommand,
+    Identify,
+    GetInfo,
+    SetSpeed,
+    Idle,
+    DynamicStart,
+    DynamicRead,
+    DynamicStop,
+    Unknown,
+};
 
-// "module", "identify", "get-info", "set-speed", "idle", "unknown".
+// "module", "identify", "get-info", "set-speed", "idle", "dynamic-start",
+// "dynamic-read", "dynamic-stop", "unknown".
 std::string requestKindName(SimRequestKind kind);
 
 struct SimRequest {
@@ -27,6 +38,7 @@ struct SimRequest {
     Bytes command;           // module command: code, address or 0x00, payload
     int speedValue = 0;      // set speed: 0 Low, 5 High, 6 UltraHigh
     int baudIndex = 0;       // set speed on a serial line: the line's baud index
+    Bytes block;             // dynamic requests: the 20-byte block
     std::chrono::steady_clock::time_point received{};
 
     std::uint8_t code() const { return command.empty() ? 0 : command[0]; }
@@ -44,7 +56,7 @@ struct SimAnswer {
     std::uint8_t status = 0;  // 0 good, 255 no module answered
     // A module command: the module's reply bytes. Identify: the 27 identity
     // bytes. Get info: type (4), firmware number (2), limit text (16),
-    // description (16).
+    // description (16). A dynamic read: the whole packet.
     Bytes data;
     std::chrono::milliseconds delay{0};  // wait before answering
     std::optional<std::size_t> cutAt;    // send only this many bytes of the frame

@@ -211,6 +211,11 @@ SimScenarioController parseController(const LineReader& reader, const std::vecto
             start = comma + 1;
         }
     }
+    if (settings.has("stream")) {
+        const std::string pace = settings.take("stream");
+        if (pace != "paced" && pace != "unthrottled") reader.fail("stream must be paced or unthrottled");
+        config.unthrottled = pace == "unthrottled";
+    }
     if (settings.has("port")) {
         if (controller.face != SimFaceKind::Wireless) reader.fail("only a wireless controller has a port");
         controller.port = settings.whole("port", 1, 65535);
@@ -416,6 +421,8 @@ std::string scenarioFormatHelp() {
   controller wireless ADDRESS [port=10001]       serial framing over TCP
       identity=TEXT10 type=ETHI|ETH2|232I|485I|USB2|WIM2 firmware=150 version=1.50
       part=P770100A model=ETHI limit=L032 description=TEXT speeds=low,high,ultrahigh
+      stream=paced|unthrottled   (ETH2 and USB2 from 1.50 stream dynamic data: at the
+                                  run's rate, or as fast as the host asks)
 
   module KIND IDENTITY [key=value ...]           on the bus of the controller above
       KIND: probe (range=MM required), encoder, encoder-input, diom, dio2, wcm,

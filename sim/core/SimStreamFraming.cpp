@@ -80,15 +80,27 @@ SimParsed parseStreamRequest(SimStreamDialect dialect, const std::uint8_t* data,
         case 0x10:
             request.kind = SimRequestKind::Idle;
             return complete(std::move(request), data, 1);
-        default: {
-            SimParsed parsed;
-            parsed.result = SimParsed::Result::Garbage;
-            parsed.consumed = 1;
-            parsed.request.kind = SimRequestKind::Unknown;
-            parsed.request.raw.assign(data, data + 1);
-            return parsed;
+        case 0x30: {
+            // Dynamic streaming ("ETH2"): the kind byte and a USB block.
+            if (dialect != SimStreamDialect::Ethernet) break;
+            if (size < 21) return incomplete();
+            const std::uint8_t opcode = data[1];
+            request.kind = opcode == 0x05   ? SimRequestKind::DynamicStart
+                           : opcode == 0x0A ? SimRequestKind::DynamicStop
+                                            : SimRequestKind::DynamicRead;
+            if (request.kind == SimRequestKind::DynamicRead && (opcode & ~0x40) != 0x0E) break;
+            request.block.assign(data + 1, data + 21);
+            return complete(std::move(request), data, 21);
         }
+        default:
+            break;
     }
+    SimParsed parsed;
+    parsed.result = SimParsed::Result::Garbage;
+    parsed.consumed = 1;
+    parsed.request.kind = SimRequestKind::Unknown;
+    parsed.request.raw.assign(data, data + 1);
+    return parsed;
 }
 
 Bytes frameStreamAnswer(SimStreamDialect dialect, const SimRequest& request, const SimAnswer& answer) {
@@ -125,7 +137,12 @@ Bytes frameStreamAnswer(SimStreamDialect dialect, const SimRequest& request, con
             break;
         case SimRequestKind::SetSpeed:
         case SimRequestKind::Idle:
+        case SimRequestKind::DynamicStart:
+        case SimRequestKind::DynamicStop:
             pad(frame, ethernet ? 3 : 1);
+            break;
+        case SimRequestKind::DynamicRead:
+            frame = answer.data;  // the whole packet
             break;
         case SimRequestKind::Unknown:
             return {};

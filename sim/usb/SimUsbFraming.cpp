@@ -87,6 +87,15 @@ SimRequest decodeUsbRequest(const std::uint8_t* bytes, std::size_t count) {
         case kUsbOpGetInfo:
             request.kind = SimRequestKind::GetInfo;
             break;
+        case kUsbOpStartDynamic:
+        case kUsbOpStopDynamic:
+        case kUsbOpDynamicRead:
+        case kUsbOpDynamicRead | 0x40:
+            request.kind = bytes[0] == kUsbOpStartDynamic  ? SimRequestKind::DynamicStart
+                           : bytes[0] == kUsbOpStopDynamic ? SimRequestKind::DynamicStop
+                                                           : SimRequestKind::DynamicRead;
+            request.block.assign(bytes, bytes + kUsbBlockSize);
+            break;
         default:
             request.kind = SimRequestKind::Unknown;
             break;
@@ -127,8 +136,13 @@ Bytes frameUsbAnswer(const SimRequest& request, const SimAnswer& answer) {
             break;
         case SimRequestKind::SetSpeed:
         case SimRequestKind::Idle:
+        case SimRequestKind::DynamicStart:
+        case SimRequestKind::DynamicStop:
             frame = blockHead(0, answer.status);
             frame.resize(kUsbBlockSize, 0);
+            break;
+        case SimRequestKind::DynamicRead:
+            frame = answer.data;  // the whole packet, as the host's read instructions ask
             break;
         case SimRequestKind::Unknown:
             return {};

@@ -18,6 +18,9 @@ constexpr std::uint8_t kUsbOpSetSpeed = 0x04;
 constexpr std::uint8_t kUsbOpIdle = 0x06;
 constexpr std::uint8_t kUsbOpIdentify = 0x08;
 constexpr std::uint8_t kUsbOpGetInfo = 0x09;
+constexpr std::uint8_t kUsbOpStartDynamic = 0x05;
+constexpr std::uint8_t kUsbOpStopDynamic = 0x0A;
+constexpr std::uint8_t kUsbOpDynamicRead = 0x0E;  // OR the request flags (0x40: checked packets)
 
 // The number of bytes of the request that starts `bytes` (a module command
 // longer than 15 bytes continues past its first block), or 0 while fewer
