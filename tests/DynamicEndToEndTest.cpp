@@ -11,6 +11,9 @@
 #include "KavroDynamicData.h"
 #include "KavroNetworkETHIM.h"
 #include "KavroNetworkUSBIM.h"
+#include "KavroNetworks.h"
+#include "KavroServer.h"
+#include "ConfigurationHome.h"
 #include "ModeTestRig.h"
 #include "UsbStandIn.h"
 #include "core/KavroSim.h"
@@ -31,6 +34,8 @@ struct StreamRig {
     explicit StreamRig(Link link) {
         if (link == Link::Usb) {
             usb = std::make_unique<UsbStandIn>("controller usb identity=USBDYN0001 firmware=150\n");
+            // A lost transfer costs this much rather than the host's full time-out.
+            usb->limitReadWait(std::chrono::milliseconds(1000));
             network = std::make_unique<KavroNetworkUSBIM>(0, 0);
         } else {
             SimControllerConfig config = SimControllerConfig::ethernet("ETHDYN0001");
@@ -150,4 +155,102 @@ TEST_P(DynamicEndToEnd, ANetworkDestroyedMidRunLetsGo) {
     rig.network.reset();
 }
 
+// A damaged packet is asked for again at no cost; a link lost mid-run ends
+// the run with an error well within the link's time-out.
+TEST_P(DynamicEndToEnd, DamagedPacketsAreAskedAgainAndALostLinkEndsTheRun) {
+    StreamRig rig(GetParam());
+    rig.controller().injectFault(SimFault::corruptCrc().after(1));
+    KavroDynamic& dynamic = rig.start(2000);
+    ASSERT_TRUE(waitFor([&] { return rig.complete(); }, std::chrono::seconds(20)));
+    EXPECT_EQ(2000, dynamic.DynamicData()->ReadingCount());
+    EXPECT_EQ(0, dynamic.DynamicData()->CollectionStatus());
+    EXPECT_EQ(1u, dynamic.Health().PacketsAskedAgain);
+    EXPECT_FALSE(dynamic.Health().DataLost);
+
+    // USB loses a whole transfer, Ethernet its connection.
+    rig.controller().injectFault(SimFault::closeConnection().on(SimRequestKind::DynamicRead).after(2));
+    const auto began = std::chrono::steady_clock::now();
+    rig.start(0);
+    ASSERT_TRUE(waitFor([&] { return rig.complete(); }, std::chrono::seconds(20)));
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(6));
+    EXPECT_EQ(255, dynamic.DynamicData()->CollectionStatus());
+    EXPECT_TRUE(dynamic.Health().DataLost);
+    EXPECT_EQ(OperationIdle, rig.network->Configuration()->ActiveOperation);
+}
+
 INSTANTIATE_TEST_SUITE_P(BothLinks, DynamicEndToEnd, ::testing::Values(Link::Usb, Link::Ethernet), linkName);
+
+namespace {
+
+std::mutex allLock;
+std::condition_variable allDone;
+int allCalls = 0;
+void allComplete() {
+    {
+        std::lock_guard<std::mutex> guard(allLock);
+        ++allCalls;
+    }
+    allDone.notify_all();
+}
+
+void prepareFourProbes(KavroNetwork& network, int sets) {
+    for (int i = 0; i < 4; ++i) network.AddModule("GPDYN0000" + std::to_string(i), "");
+    network.setNetSpeed(eNetSpeed::High);
+    KavroDynamic& dynamic = *network.Dynamic();
+    dynamic.setNumberOfModules(4);
+    dynamic.setCollectionSize(sets);
+    dynamic.setEnabled(true);
+    dynamic.Prepare();
+}
+
+}  // namespace
+
+// One start and one callback for a USB and an Ethernet network; a network
+// that cannot start stops the ones already streaming.
+TEST(DynamicOnEveryNetwork, OneCallbackWhenAllAreDoneOrNoneStreams) {
+    std::string probes;
+    for (int i = 0; i < 4; ++i) {
+        probes += "module probe GPDYN0000" + std::to_string(i) + " range=5 signal=constant:" + std::to_string(kLevels[i]) + "\n";
+    }
+    UsbStandIn usb("controller usb identity=USBALL0001 firmware=150\n" + probes);
+    SimControllerConfig config = SimControllerConfig::ethernet("ETHALL0001");
+    config.typeCode = "ETH2";
+    SimController ethernet(config);
+    for (int i = 0; i < 4; ++i) {
+        ethernet.addModule(modeProbe("GPDYN0000" + std::to_string(i), 5, 3, SimSignal::constant(kLevels[i])));
+    }
+    SimEthernetFace face(ethernet);
+    face.start();
+    ConfigurationHome home;
+    home.writeUserFile(ConfigurationHome::settings("    <network controllertype=\"ETHIM\"><networkname>Line</networkname><address>" +
+                                                   face.location() + "</address></network>\n"));
+    {
+        KavroServer server;
+        KavroNetworks& networks = *server.Networks();
+        networks.FindNetworks();
+        ASSERT_EQ(2u, networks.Count());
+        networks.ConnectAll();
+        for (unsigned n = 0; n < 2; ++n) prepareFourProbes(*networks.Network(n), 1000);
+
+        allCalls = 0;
+        server.StartAllDynamic(&allComplete);
+        {
+            std::unique_lock<std::mutex> guard(allLock);
+            ASSERT_TRUE(allDone.wait_for(guard, std::chrono::seconds(20), [] { return allCalls > 0; }));
+        }
+        for (unsigned n = 0; n < 2; ++n) {
+            KavroDynamicData& data = *networks.Network(n)->Dynamic()->DynamicData();
+            EXPECT_EQ(1000, data.ReadingCount()) << "network " << n;
+            EXPECT_NEAR(kLevels[3], data.GetItem(3, 999).value, 0.001);
+        }
+        EXPECT_FALSE(server.DynamicInProgress());
+
+        // The second network is not prepared: the first stops again.
+        networks.Network(0)->Dynamic()->setCollectionSize(0);
+        networks.Network(0)->Dynamic()->Prepare();
+        EXPECT_THROW(server.StartAllDynamic(&allComplete), std::runtime_error);
+        EXPECT_EQ(eDynamicState::Complete, networks.Network(0)->Dynamic()->DynamicState());
+        EXPECT_FALSE(server.DynamicInProgress());
+    }
+    face.stop();
+}

@@ -38,7 +38,7 @@ using Clock = std::chrono::steady_clock;
 // The simulated bus. The Ethernet and serial controllers run here on their
 // own threads; the stand-in D2XX library takes the usb one.
 const char* const kScenario = R"(
-controller ethernet auto identity=ETHSIM0001 description="Bench ETHIM"
+controller ethernet auto identity=ETHSIM0001 type=ETH2 description="Bench ETHIM"
 module probe   GP02000001 range=2  signal=sine:1,0.6,4
 module probe   GP05000002 range=5  resolution=16 signal=constant:2.5
 module probe   GP10000003 range=10 signal=ramp:0,10,20

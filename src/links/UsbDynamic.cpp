@@ -56,7 +56,8 @@ DynamicTransfer exchangeUsb(NetworkConfiguration* config, const DynamicBlock& re
                       config->PacketCrc != 0);
     out.insert(out.end(), reads, reads + position);
     DWORD got = 0;
-    if (!transfer(config, out, packet, kDynamicPacketSize, got)) return DynamicTransfer::Lost;
+    // Nothing at all for a whole read time-out: the controller is gone.
+    if (!transfer(config, out, packet, kDynamicPacketSize, got) || got == 0) return DynamicTransfer::Lost;
     if (got < kDynamicPacketSize) {
         // The rest would arrive as the start of the next packet.
         std::fill(packet + got, packet + kDynamicPacketSize, 0);
