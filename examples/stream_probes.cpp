@@ -20,8 +20,11 @@ using namespace KavroLibrary;
 
 namespace {
 
-const char* const kProbes[] = {"GP02000001", "GP05000002", "GP10000003", "GP01000004"};
 constexpr int kRateHz = 4000;
+constexpr int kProbes = 4;
+// The probes of kavro-sim's default scenario (sim/scenarios/default.scn).
+const std::vector<std::string> kEthernetProbes = {"GP02000001", "GP05000002", "GP10000003", "GP01000004"};
+const std::vector<std::string> kUsbProbes = {"GP02000021", "GP05000022", "GP10000023", "GP01000024"};
 
 // The library calls back from its own thread when a run is complete.
 std::mutex runLock;
@@ -38,11 +41,11 @@ void runComplete(int networkNumber) {
 
 // One second of readings from the four probes; false when the network could
 // not stream them.
-bool stream(KavroNetwork& network, const std::string& name) {
-    for (const char* identity : kProbes) network.AddModule(identity, "");
+bool stream(KavroNetwork& network, const std::string& name, const std::vector<std::string>& probes) {
+    for (const std::string& identity : probes) network.AddModule(identity, "");
     network.setNetSpeed(eNetSpeed::High);  // 1, 2 and 4 kHz need the High bus speed
     KavroDynamic* dynamic = network.Dynamic();
-    dynamic->setNumberOfModules(4);
+    dynamic->setNumberOfModules(kProbes);
     dynamic->setDynamicRate(eDynamicRate::Rate4K);
     dynamic->setCollectionSize(kRateHz);  // one second's worth per probe
     dynamic->setEnabled(true);
@@ -79,7 +82,7 @@ int main(int argc, char** argv) {
         KavroNetworkETHIM ethernet(0, "Ethernet", address);
         ethernet.Connect();
         if (ethernet.IsConnected()) {
-            streamed += stream(ethernet, "Ethernet " + address) ? 1 : 0;
+            streamed += stream(ethernet, "Ethernet " + address, kEthernetProbes) ? 1 : 0;
         } else {
             std::cerr << "No controller answers at " << address << ": start kavro-sim first (build/sim/kavro-sim).\n";
         }
@@ -87,7 +90,7 @@ int main(int argc, char** argv) {
         KavroNetworkUSBIM usb(1, 0);  // the first USB interface module
         usb.Connect();
         if (usb.IsConnected()) {
-            streamed += stream(usb, "USB") ? 1 : 0;
+            streamed += stream(usb, "USB", kUsbProbes) ? 1 : 0;
         } else {
             std::cout << "No USB interface module (see the comment at the top for the simulated one).\n";
         }

@@ -25,9 +25,10 @@ TEST(Demo, RunsOnTheSimulatedBusAndCleansUp) {
     const std::string output = demo.output(std::chrono::seconds(120));
     EXPECT_EQ(0, demo.exitStatus()) << output;
     for (const char* expected :
-         {"Network 0: Bench Ethernet  --  ETHIM (ETHSIM0001)", "Network 1: Bench RS232  --  RS232IM (SERSIM0001)",
+         {"Network 0: Bench Ethernet  --  ETHIM 2 (ETHSIM0001)", "Network 1: Bench RS232  --  RS232IM (SERSIM0001)",
           "Network 2: (found on USB)  --  USBIM (USBSIM0001)", "GP01000021", "GP05000006 announced itself",
-          "Its off time, through configuration mode: 10 -> 15 minutes"}) {
+          "Its off time, through configuration mode: 10 -> 15 minutes",
+          "Network 0 streams 3 probes at 4 kHz (dynamic mode)\n  2000 reading sets in"}) {
         EXPECT_NE(std::string::npos, output.find(expected)) << expected << "\n" << output;
     }
     EXPECT_EQ(std::string::npos, output.find("could not")) << output;

@@ -79,3 +79,27 @@ TEST(ExampleProgram, WithoutAControllerItSaysWhatToStart) {
     EXPECT_NE(std::string::npos, output.find(": start kavro-sim first")) << output;
     EXPECT_EQ(std::string::npos, output.find(" mm\n")) << output;
 }
+
+// A second's worth of four probes over Ethernet and over the stand-in USB
+// controller of the same scenario, with nothing lost.
+TEST(ExampleProgram, StreamsTheProbesOverEthernetAndUsb) {
+    SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
+    scenario.controllers.front().address.clear();
+    SimSession session(scenario);
+    session.start();
+    // The child loads the stand-in D2XX library and serves the scenario's usb controller.
+    const std::string standIn = KAVRO_SIM_USB_LIBRARY;
+    setenv("LD_LIBRARY_PATH", standIn.substr(0, standIn.rfind('/')).c_str(), 1);
+    setenv("KAVRO_SIM_USB_SCENARIO", KAVRO_SOURCE_DIR "/sim/scenarios/default.scn", 1);
+
+    ChildProcess example(KAVRO_BINARY_DIR "/examples/example-stream_probes", {session.face(0).location()});
+    const std::string output = example.output(std::chrono::seconds(60));
+    EXPECT_EQ(0, example.exitStatus()) << output;
+    const std::regex run("(Ethernet [0-9.]+|USB): 4000 reading sets, status 0, [0-9]+ packets, 0 asked again, nothing lost\n");
+    EXPECT_EQ(2, std::distance(std::sregex_iterator(output.begin(), output.end(), run), std::sregex_iterator()))
+        << output;
+    // The constant probe reads its value in every set shown.
+    const std::regex set("  set [0-2]:  [0-9.]+ mm  2\\.5000 mm  [0-9.]+ mm  [0-9.]+ mm\n");
+    EXPECT_EQ(6, std::distance(std::sregex_iterator(output.begin(), output.end(), set), std::sregex_iterator()))
+        << output;
+}
