@@ -5,7 +5,7 @@ import pytest
 
 import kavro
 
-BENCH = """controller ethernet auto identity=ETHPY00001 type=ETHI
+BENCH = """controller ethernet auto identity=ETHPY00001 type=ETH2
 module probe GP02000001 range=2 signal=constant:1.25
 module probe GP05000002 range=5 resolution=16 signal=constant:2.5
 module probe GP10000003 range=10 signal=ramp:0,10,2

@@ -20,7 +20,7 @@ def test_every_enumeration_is_an_int_enum_with_the_library_texts():
 
 def test_network_and_modules_round_trip(bench):
     network, _ = bench
-    assert (network.NetworkType(), network.ControllerID(), len(network)) == (kavro.eNetworkType.ETHIM, "ETHPY00001", 3)
+    assert (network.NetworkType(), network.ControllerID(), len(network)) == (kavro.eNetworkType.ETHIM2, "ETHPY00001", 3)
     assert kavro.eNetSpeed.High in network.AvailableSpeeds()
     network.setNetSpeed(kavro.eNetSpeed.High)
     assert network.NetSpeed() is kavro.eNetSpeed.High

@@ -56,3 +56,29 @@ def test_sync_run_returns_every_reading_in_order(bench):
     steps = np.diff(readings["counts"])
     assert ((np.abs(steps - step) <= 1) | (steps < 0)).all(), (step, steps)  # or wrapped to 0 once
     assert readings["value"] == pytest.approx(readings["counts"] * 10 / 16384)
+
+
+def test_dynamic_run_gives_sets_by_probes(bench):
+    network, _ = bench
+    network.setNetSpeed(kavro.eNetSpeed.High)
+    dynamic = network.Dynamic()
+    dynamic.setNumberOfModules(2)
+    dynamic.setCollectionSize(500)
+    dynamic.setEnabled(True)
+    dynamic.Prepare()
+    dynamic.StartDynamic()
+    assert wait_for(lambda: dynamic.DynamicState() == kavro.eDynamicState.Complete)
+    dynamic.StopDynamic()
+
+    data = dynamic.DynamicData()
+    readings = data.readings()
+    assert readings.dtype == np.dtype([("error", "<i4"), ("counts", "<i4"), ("value", "<f8")])
+    assert readings.shape == (500, 2)
+    assert readings["value"][:, 0] == pytest.approx(1.25, abs=1e-3)
+    assert readings["value"][:, 1] == pytest.approx(2.5, abs=1e-3)
+    assert (readings["error"] == kavro.eKavroErrors.NoError).all()
+    tail = data.readings(module=1, first=490)
+    assert tail.shape == (10,) and tail["counts"].tolist() == readings["counts"][490:, 1].tolist()
+    assert dynamic.Health()["reading_sets"] == 500 and not dynamic.Health()["data_lost"]
+    with pytest.raises(IndexError):
+        data.readings(module=2)
