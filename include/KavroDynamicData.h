@@ -59,8 +59,8 @@ public:
     int AppendWords(const std::uint8_t* words, int sets);
 
 private:
-    static constexpr int kSetsPerChunk = 65536;
-    static constexpr int kChunks = 4096;  // room for 268 million sets
+    static constexpr int kSetsPerChunk = 4096;
+    static constexpr int kChunks = 65536;  // room for 268 million sets
 
     void checkBoundsLocked(int moduleIndex, int readingIndex) const;
     sDynamicReadingData* slot(std::int64_t set) const;
@@ -72,6 +72,7 @@ private:
     // see only the sets the count has published.
     mutable std::mutex appendLock_;
     std::atomic<std::int32_t> moduleCount_;
+    // The chunk table, made with the first set; chunks as the run grows.
     std::unique_ptr<std::unique_ptr<sDynamicReadingData[]>[]> chunks_;
     std::atomic<std::int64_t> count_{0};
     std::vector<std::shared_ptr<const KavroReadType>> decoders_;

@@ -290,8 +290,16 @@ long long SimModule::rawCounts(double value) const {
     const SimScale s = scale();
     // The host divides by the counts per unit it reads from the info text,
     // so count with exactly that number.
-    const double perUnit =
-        format_ == SimInfoFormat::New && !legacy_ ? throughText(s.countsPerUnit, 8) : s.countsPerUnit;
+    double perUnit = s.countsPerUnit;
+    if (format_ == SimInfoFormat::New && !legacy_) {
+        // The round trip through text is pure but slow, and a stream asks
+        // for it with every word: remember the last one.
+        if (s.countsPerUnit != textedFrom_) {
+            textedFrom_ = s.countsPerUnit;
+            texted_ = throughText(s.countsPerUnit, 8);
+        }
+        perUnit = texted_;
+    }
     long long result = std::llround((value - s.offset) * perUnit * resolutionFactor());
     if (counts()) {
         if (reversed_) result = -result;

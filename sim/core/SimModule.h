@@ -145,6 +145,7 @@ public:
     // Set-mode 60 to 63 put the module in dynamic mode; control action 21
     // (or 42) and a reset take it out.
     bool inDynamicMode() const { return dynamic_; }
+    void setDynamicMode(bool on) { dynamic_ = on; }
     // The 24-bit word a dynamic stream carries for a set taken at `when`.
     std::uint32_t dynamicWord(Clock::time_point when);
     // Four bytes of a read burst: 23-bit reading and a status byte.
@@ -186,6 +187,8 @@ private:
     SimSignal signal_;
     bool announcing_ = false;
     bool dynamic_ = false;
+    mutable double textedFrom_ = -1;  // rawCounts' last counts per unit and its value through text
+    mutable double texted_ = 0;
     std::uint8_t statusError_ = 0;
     std::uint16_t statusWord_ = 0;
     std::map<unsigned, Bytes> config_;

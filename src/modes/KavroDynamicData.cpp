@@ -19,7 +19,6 @@ constexpr std::int32_t kProbeUnderRange = 0x7FFFFF;
 KavroDynamicData::KavroDynamicData(NetworkConfiguration* config, int moduleCount)
     : config_(config),
       moduleCount_(std::max(moduleCount, 0)),
-      chunks_(new std::unique_ptr<sDynamicReadingData[]>[kChunks]),
       decoders_(static_cast<std::size_t>(moduleCount_)),
       probes_(static_cast<std::size_t>(moduleCount_), false) {}
 
@@ -29,7 +28,7 @@ void KavroDynamicData::Reset(int moduleCount, std::vector<std::shared_ptr<const 
                              std::vector<bool> probes) {
     std::lock_guard<std::mutex> append(appendLock_);
     count_.store(0, std::memory_order_release);
-    for (int i = 0; i < kChunks && chunks_[i]; ++i) chunks_[i].reset();
+    for (int i = 0; chunks_ && i < kChunks && chunks_[i]; ++i) chunks_[i].reset();
     moduleCount_ = std::max(moduleCount, 0);
     decoders_ = std::move(decoders);
     probes_ = std::move(probes);
@@ -117,6 +116,7 @@ sDynamicReadingData* KavroDynamicData::reserve() {
     const std::int64_t set = count_.load(std::memory_order_relaxed);
     const std::int64_t chunk = set / kSetsPerChunk;
     if (chunk >= kChunks || moduleCount_ == 0) return nullptr;
+    if (!chunks_) chunks_.reset(new std::unique_ptr<sDynamicReadingData[]>[kChunks]);
     if (!chunks_[chunk]) {
         chunks_[chunk].reset(new sDynamicReadingData[static_cast<std::size_t>(kSetsPerChunk) * moduleCount_]);
     }
