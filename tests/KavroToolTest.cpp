@@ -1,0 +1,121 @@
+// The kavro program against the simulated bus inside it: each output format
+// read back, exit codes, bad arguments, an absent controller, and Ctrl+C.
+#include <gtest/gtest.h>
+
+#include <signal.h>
+
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "ChildProcess.h"
+#include "TempDir.h"
+#include "SimNetworkRig.h"
+#include "core/KavroSim.h"
+
+namespace {
+
+const std::string kTool = KAVRO_BINARY_DIR "/tools/kavro";
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) out.push_back(line);
+    return out;
+}
+
+std::string fileText(const std::string& path) {
+    std::ifstream in(path);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+std::vector<std::string> csvFields(const std::string& line) {
+    std::vector<std::string> fields;
+    std::istringstream in(line);
+    for (std::string field; std::getline(in, field, ',');) fields.push_back(field);
+    return fields;
+}
+
+// One reading record as JSON: {"time":"...","network":"...","address":N,...}.
+const std::regex kJsonRecord(
+    R"re(\{"time":"[0-9T:.Z-]+","network":"[^"]+","address":[0-9]+,"identity":"[A-Z0-9]{10}","value":(-?[0-9.]+),"units":"[^"]*","status":"([A-Za-z_]+)"\})re");
+
+}  // namespace
+
+TEST(KavroTool, ReadsAndStreamsInEveryFormat) {
+    TempDir dir;
+    const std::string csv = (dir.path() / "read.csv").string();
+    ChildProcess read(kTool, {"--sim", "read", "--count", "2", "--format", "csv", "--output", csv});
+    const std::string readSaid = read.output(std::chrono::seconds(60));
+    ASSERT_EQ(0, read.exitStatus()) << readSaid;
+    const std::vector<std::string> rows = lines(fileText(csv));
+    ASSERT_GE(rows.size(), 1u + 2 * 4);
+    EXPECT_EQ("time,network,address,identity,value,units,status", rows[0]);
+    bool constant = false;
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        const std::vector<std::string> fields = csvFields(rows[i]);
+        ASSERT_EQ(7u, fields.size()) << rows[i];
+        std::stod(fields[4]);
+        if (fields[3] == "GP05000002") constant = fields[4] == "2.500000" && fields[6] == "ok";
+    }
+    EXPECT_TRUE(constant) << fileText(csv);
+
+    const std::string json = (dir.path() / "stream.json").string();
+    ChildProcess stream(kTool, {"--sim", "stream", "--count", "400", "--format", "json", "--output", json});
+    const std::string said = stream.output(std::chrono::seconds(60));
+    ASSERT_EQ(0, stream.exitStatus()) << said;
+    EXPECT_NE(std::string::npos, said.find(": 400 reading sets in")) << said;
+    std::size_t records = 0;
+    for (const std::string& line : lines(fileText(json))) {
+        std::smatch match;
+        ASSERT_TRUE(std::regex_match(line, match, kJsonRecord)) << line;
+        std::stod(match[1]);
+        ++records;
+    }
+    // The Ethernet and USB controllers stream; the serial one is left out.
+    EXPECT_GT(records, 2u * 400);
+    EXPECT_EQ(0u, records % 400);
+
+    ChildProcess scan(kTool, {"--sim", "scan", "--format", "json"});
+    const std::string networks = scan.output(std::chrono::seconds(60));
+    EXPECT_EQ(0, scan.exitStatus()) << networks;
+    EXPECT_NE(std::string::npos, networks.find(R"re({"network":"ETHSIM0001","description":"ETHIM 2 (ETHSIM0001)")re"))
+        << networks;
+}
+
+TEST(KavroTool, BadUsageAndAnAbsentControllerSayOneLine) {
+    ChildProcess bad(kTool, {"--bogus", "scan"});
+    const std::string badOutput = bad.output();
+    EXPECT_EQ(2, bad.exitStatus());
+    EXPECT_EQ(1u, lines(badOutput).size()) << badOutput;
+
+    ChildProcess code(kTool, {"error", "0x2112"});
+    const std::string text = code.output();
+    EXPECT_EQ(0, code.exitStatus());
+    EXPECT_NE(std::string::npos, text.find("UnderRange")) << text;
+
+    const auto start = std::chrono::steady_clock::now();
+    ChildProcess absent(kTool, {"--ethernet", kavrosim::freeLoopbackAddress(), "scan"});
+    const std::string absentOutput = absent.output(std::chrono::seconds(30));
+    EXPECT_EQ(3, absent.exitStatus()) << absentOutput;
+    EXPECT_NE(std::string::npos, absentOutput.find("kavro: no network answers")) << absentOutput;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+// Ctrl+C during a long read: a clean end, every record whole.
+TEST(KavroTool, InterruptedReadLeavesEveryRecordWhole) {
+    TempDir dir;
+    const std::string csv = (dir.path() / "watch.csv").string();
+    ChildProcess watch(kTool, {"--sim", "read", "--count", "100000", "--interval", "0.01", "--format", "csv",
+                               "--output", csv});
+    ASSERT_TRUE(waitFor([&] { return lines(fileText(csv)).size() > 20; }, std::chrono::seconds(60)));
+    watch.signal(SIGINT);
+    const std::string said = watch.output(std::chrono::seconds(30));
+    EXPECT_EQ(0, watch.exitStatus()) << said;
+    const std::vector<std::string> rows = lines(fileText(csv));
+    const std::string text = fileText(csv);
+    EXPECT_EQ('\n', text.back());
+    for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_EQ(7u, csvFields(rows[i]).size()) << rows[i];
+}

@@ -1,0 +1,82 @@
+#include "NetworkChoice.h"
+
+#include <stdexcept>
+#include <thread>
+
+#include <KavroLibrary.h>
+
+namespace kavro_tool {
+
+using namespace KavroLibrary;
+
+namespace {
+
+int number(const std::string& text, const std::string& what) {
+    std::size_t used = 0;
+    int value = -1;
+    try {
+        value = std::stoi(text, &used);
+    } catch (const std::exception&) {
+        used = 0;
+    }
+    if (used == 0 || used != text.size() || value < 0) throw std::invalid_argument("bad " + what + " '" + text + "'");
+    return value;
+}
+
+}  // namespace
+
+NetworkChoice parseChoice(NetworkChoice::Kind kind, const std::string& text) {
+    if (text.empty()) throw std::invalid_argument("a network needs an address");
+    NetworkChoice choice{kind, text};
+    const auto colon = text.rfind(':');
+    if (kind == NetworkChoice::Kind::Serial && colon != std::string::npos) number(text.substr(colon + 1), "baud rate");
+    if (kind == NetworkChoice::Kind::Wireless && colon != std::string::npos) number(text.substr(colon + 1), "channel");
+    if (kind == NetworkChoice::Kind::Usb) number(text[0] == '#' ? text.substr(1) : text, "USB device index");
+    return choice;
+}
+
+std::unique_ptr<KavroNetwork> makeNetwork(const NetworkChoice& choice, int n) {
+    const auto colon = choice.where.rfind(':');
+    switch (choice.kind) {
+        case NetworkChoice::Kind::Ethernet:
+            return std::make_unique<KavroNetworkETHIM>(n, "", choice.where);
+        case NetworkChoice::Kind::Serial: {
+            const bool baud = colon != std::string::npos;
+            return std::make_unique<KavroNetworkRS232>(n, "", baud ? choice.where.substr(0, colon) : choice.where,
+                                                       baud ? std::stoi(choice.where.substr(colon + 1)) : 115200);
+        }
+        case NetworkChoice::Kind::Usb: {
+            const std::string index = choice.where[0] == '#' ? choice.where.substr(1) : choice.where;
+            return std::make_unique<KavroNetworkUSBIM>(n, std::stoi(index));
+        }
+        case NetworkChoice::Kind::Wireless: {
+            const bool channel = colon != std::string::npos;
+            return std::make_unique<KavroNetworkWIM>(n, "", channel ? choice.where.substr(0, colon) : choice.where,
+                                                     channel ? std::stoi(choice.where.substr(colon + 1)) : 5);
+        }
+    }
+    return nullptr;
+}
+
+void connectAll(const std::vector<KavroNetwork*>& networks) {
+    std::vector<std::thread> threads;
+    for (KavroNetwork* network : networks) {
+        threads.emplace_back([network] {
+            try {
+                network->Connect();
+            } catch (const std::exception& error) {
+                std::fprintf(stderr, "kavro: %s\n", error.what());
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+}
+
+std::string networkLabel(KavroNetwork& network, int n) {
+    const std::string name = network.NetworkName();
+    if (!name.empty()) return name;
+    const std::string controller = network.ControllerID();
+    return controller.empty() ? "net" + std::to_string(n) : controller;
+}
+
+}  // namespace kavro_tool

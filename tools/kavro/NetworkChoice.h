@@ -1,0 +1,32 @@
+// Which networks a command works on, and connecting them side by side.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KavroLibrary {
+class KavroNetwork;
+}
+
+namespace kavro_tool {
+
+struct NetworkChoice {
+    enum class Kind { Ethernet, Serial, Usb, Wireless };
+    Kind kind = Kind::Ethernet;
+    std::string where;  // address, device path[:baud], serial number or index, address[:channel]
+};
+
+// Parses "PATH[:BAUD]" and the like; throws std::invalid_argument.
+NetworkChoice parseChoice(NetworkChoice::Kind kind, const std::string& text);
+
+// The network object for a choice (not connected yet); `number` names it.
+std::unique_ptr<KavroLibrary::KavroNetwork> makeNetwork(const NetworkChoice& choice, int number);
+
+// Connects every network at once, one thread each.
+void connectAll(const std::vector<KavroLibrary::KavroNetwork*>& networks);
+
+// A short name for records: the network's name, or its controller's identity.
+std::string networkLabel(KavroLibrary::KavroNetwork& network, int number);
+
+}  // namespace kavro_tool

@@ -1,0 +1,57 @@
+// The state one run of the tool shares between its commands: the chosen
+// networks, where records go, and whether the user asked it to stop.
+#pragma once
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <KavroLibrary.h>
+
+#include "NetworkChoice.h"
+#include "Records.h"
+#include "SimulatedBus.h"
+
+namespace kavro_tool {
+
+// Documented exit codes (kavro.1).
+enum ExitCode : int { kSuccess = 0, kDeviceError = 1, kBadUsage = 2, kNoNetwork = 3 };
+
+// Set by SIGINT and SIGTERM: long runs end cleanly and say so.
+extern std::atomic<bool> stopRequested;
+
+struct Tool {
+    Format format = Format::Table;
+    std::FILE* out = stdout;
+    std::string find = "ping";  // how modules are found: ping, hotswap, notify, none, or a settings file
+    double wait = 0;            // seconds to wait for modules that announce themselves
+
+    std::unique_ptr<SimulatedBus> sim;
+    KavroLibrary::KavroServer server;
+    std::vector<std::unique_ptr<KavroLibrary::KavroNetwork>> owned;
+    std::vector<KavroLibrary::KavroNetwork*> networks;  // connected, in order
+
+    // Connects the chosen networks (all found when none is chosen); false
+    // with one line on standard error when none answers.
+    bool connect(const std::vector<NetworkChoice>& choices);
+    // Finds each network's modules as `find` says.
+    void findModules();
+    std::string label(std::size_t index) const { return networkLabel(*networks[index], static_cast<int>(index)); }
+};
+
+int scanCommand(Tool& tool);
+int infoCommand(Tool& tool);
+int readCommand(Tool& tool, int count, double interval, bool watch, bool burst);
+int streamCommand(Tool& tool, const std::string& rate, long count, double duration, int modules, bool benchmark);
+int speedCommand(Tool& tool, const std::string& speed);
+int saveCommand(Tool& tool, const std::string& file);
+int loadCommand(Tool& tool, const std::string& file);
+int errorCommand(const std::string& code);
+
+// "ok" or the error's name.
+std::string statusText(KavroLibrary::eKavroErrors error);
+
+}  // namespace kavro_tool
