@@ -59,7 +59,9 @@ public:
     int AppendWords(const std::uint8_t* words, int sets);
 
 private:
-    static constexpr int kSetsPerChunk = 4096;
+    // One short of 4096: a chunk and the allocator's header then fill whole
+    // pages, where 4096 sets would take a page more each.
+    static constexpr int kSetsPerChunk = 4095;
     static constexpr int kChunks = 65536;  // room for 268 million sets
 
     void checkBoundsLocked(int moduleIndex, int readingIndex) const;
