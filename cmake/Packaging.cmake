@@ -31,6 +31,10 @@ set(CPACK_COMPONENT_DEV_DESCRIPTION
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME kavro-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_COMPONENT_TOOLS_DEPENDS library)
+# kavro links the library in its sibling package, which dpkg-shlibdeps
+# cannot see: the component dependency names it, the rest is listed here.
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libc6, libstdc++6, libgcc-s1")
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "Tools for networks of digital measurement modules\n The kavro command-line tool, the kavro-sim simulated bus with its\n scenarios, their manual pages, and a udev rule that gives USB interface\n modules to the plugdev group and the seated user.")
 
