@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
         }
         network.Buffered()->Start();
         std::this_thread::sleep_for(std::chrono::milliseconds(300));  // the probes fill their memories
-        network.Buffered()->Stop();  // stops them and empties each one
+        network.Buffered()->Stop();                                   // stops them and empties each one
 
         std::cout << std::fixed << std::setprecision(4);
         for (int m = 0; m < network.ModuleCount(); ++m) {

@@ -151,8 +151,9 @@ TEST(ExampleProgram, EachTaskOfTheGuideRunsOnTheDefaultScenario) {
         const std::string output = example.output(std::chrono::seconds(60));
         EXPECT_EQ(0, example.exitStatus()) << c.example << "\n" << output;
         for (const std::string& line : c.lines) {
-            EXPECT_TRUE(std::regex_search(output, std::regex("(^|\n)" + line + "\n"))) << c.example << ": " << line
-                                                                                       << "\n" << output;
+            EXPECT_TRUE(std::regex_search(output, std::regex("(^|\n)" + line + "\n")))
+                << c.example << ": " << line << "\n"
+                << output;
         }
     }
 }
