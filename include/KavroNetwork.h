@@ -35,7 +35,7 @@ public:
     virtual void Connect();
     // Ends a running mode and closes the link.
     virtual void Disconnect();
-    // Whether the controller and the leading modules can stream in dynamic mode.
+    // Whether the controller can stream in dynamic mode and every module on the network can take part.
     virtual bool DynamicCapable();
     // Whether the controller can stream at a custom interval (Dynamic2Custom).
     virtual bool Dynamic2Capable();
