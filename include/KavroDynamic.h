@@ -60,7 +60,7 @@ public:
     void setNumberOfModules(int count);
     // Chooses what paces the run.
     void setDynamicMode(eDynamicMode mode);
-    // Allows the network's dynamic runs; refused without the capability.
+    // Allows dynamic runs on the network; enabling checks the set-up and throws its complaints.
     void setEnabled(bool enabled);
 
     // Validators: an empty text when all is well, else complaints.
@@ -90,11 +90,11 @@ public:
     void StartDynamic(void (*callback)(int));
     // Starts a prepared run.
     void StartDynamic();
-    // StartDynamic() without its checks, for StartAllDynamic().
+    // Library use: StartDynamic() after its checks.
     void StartDynamicValidated();
     // Stops the run and returns once it is complete and its threads have ended.
     void StopDynamic();
-    // Sends the stop to the controller without waiting for the run to end.
+    // Library use: sends the stop commands to the bus.
     void StopCommands();
 
 private:

@@ -67,7 +67,7 @@ public:
 
     // Modules, in address order (index = address - 1).
     int ModuleCount() const;
-    // The module at `index` (address - 1); throws past the end.
+    // The module at `index` (address - 1), or null past the end.
     KavroModule* GetModule(unsigned int index) const;
     // The module with this identity, or null.
     KavroModule* GetModuleByID(std::string id) const;

@@ -30,7 +30,7 @@ std::vector<std::string> StringSplit(std::string text, char delimiter);
 // True when every character is a blank or a NUL (an empty text is true).
 bool StringIsNullOrWhiteSpace(const std::string& text);
 
-// The text in upper case (ASCII letters only).
+// The text in upper case, byte by byte as std::toupper does.
 std::string StringToUpper(std::string text);
 
 }  // namespace KavroLibrary
