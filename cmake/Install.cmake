@@ -63,3 +63,10 @@ install(CODE "
 install(FILES data/udev/60-kavro-usbim.rules
     DESTINATION lib/udev/rules.d
     COMPONENT tools)
+
+# Manual pages of the tools; a tool installs its own page with COMPONENT tools.
+if(TARGET kavro-sim)
+    install(FILES data/man/kavro-sim.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+        COMPONENT tools)
+endif()

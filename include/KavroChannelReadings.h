@@ -17,13 +17,16 @@ struct sChannelReading {
     double Value = 0.0;                          // the reading in that unit
 };
 
+// The channels read together from a wireless hand tool, in channel order.
 class KavroChannelReadings {
 public:
     KavroChannelReadings() = default;
+    // Library use: the result of a read.
     explicit KavroChannelReadings(std::vector<sChannelReading> readings) : readings_(std::move(readings)) {}
 
     // A copy of the record at the index; no range check.
     sChannelReading operator[](int index) const { return readings_[static_cast<std::size_t>(index)]; }
+    // Number of channels read.
     int ReadingCount() const { return static_cast<int>(readings_.size()); }
 
 private:

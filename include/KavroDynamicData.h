@@ -22,6 +22,7 @@ class KavroReadType;
 // it with the new run's readings, which may be read while they arrive.
 class KavroDynamicData {
 public:
+    // Made by the network's KavroDynamic.
     KavroDynamicData(NetworkConfiguration* config, int moduleCount);
     ~KavroDynamicData();
     KavroDynamicData(const KavroDynamicData&) = delete;

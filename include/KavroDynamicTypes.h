@@ -13,7 +13,9 @@ namespace KavroLibrary {
 struct sDynamicMode {
     std::int32_t Collection = -1;  // readings per module; -1 = until stopped
     std::int32_t Modules = 0;      // number of modules in the collection
+    // The sampling rate.
     eDynamicRate Rate = eDynamicRate::Rate4K;
+    // Whether a master module paces the run.
     bool ExternalMaster = false;
     std::int32_t Interval = 0;  // microseconds between reading sets
 };

@@ -9,6 +9,7 @@
 
 namespace KavroLibrary {
 
+// Error codes: the library's own, the interface modules' and each module's (0x2100 + its error byte).
 enum class eKavroErrors : std::int32_t {
     NoError = 0,
     NETWORK_CONTROLLER_NOT_FOUND = 1,

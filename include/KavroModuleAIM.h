@@ -5,8 +5,10 @@
 
 namespace KavroLibrary {
 
+// An analogue input module.
 class KavroModuleAIM : public KavroModule {
 public:
+    // Made by the network when an analogue input module joins it.
     KavroModuleAIM(NetworkConfiguration* config, int address);
     ~KavroModuleAIM() override;
 };

@@ -5,8 +5,10 @@
 
 namespace KavroLibrary {
 
+// The first digital input/output module.
 class KavroModuleDIOM : public KavroModuleDIOMBase {
 public:
+    // Made by the network when such a module joins it.
     KavroModuleDIOM(NetworkConfiguration* config, int address);
     ~KavroModuleDIOM() override;
 };

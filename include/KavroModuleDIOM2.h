@@ -10,13 +10,16 @@
 
 namespace KavroLibrary {
 
+// The second digital input/output module, which can pace buffered and dynamic runs.
 class KavroModuleDIOM2 : public KavroModuleDIOMBase {
 public:
+    // Made by the network when such a module joins it.
     KavroModuleDIOM2(NetworkConfiguration* config, int address);
     ~KavroModuleDIOM2() override;
 
     // When the master starts pacing a dynamic run.
     eDynamicMasterMode DynamicMasterMode() const { return dynamicMasterMode_; }
+    // Chooses when the master starts pacing a dynamic run.
     void setDynamicMasterMode(eDynamicMasterMode mode) { dynamicMasterMode_ = mode; }
     // True between a successful SetupDynamicMaster and ClearDynamicMaster.
     bool DynamicMasterArmed() const { return dynamicMasterArmed_; }

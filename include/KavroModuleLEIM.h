@@ -5,8 +5,10 @@
 
 namespace KavroLibrary {
 
+// A linear encoder input module.
 class KavroModuleLEIM : public KavroModuleEIM {
 public:
+    // Made by the network when such a module joins it.
     KavroModuleLEIM(NetworkConfiguration* config, int address);
     ~KavroModuleLEIM() override;
 };

@@ -5,8 +5,10 @@
 
 namespace KavroLibrary {
 
+// A laser sensor of the LTA kind.
 class KavroModuleLTA : public KavroModuleLT {
 public:
+    // Made by the network when such a sensor joins it.
     KavroModuleLTA(NetworkConfiguration* config, int address);
     ~KavroModuleLTA() override;
 };

@@ -5,8 +5,10 @@
 
 namespace KavroLibrary {
 
+// A laser sensor of the LTH kind.
 class KavroModuleLTH : public KavroModuleLT {
 public:
+    // Made by the network when such a sensor joins it.
     KavroModuleLTH(NetworkConfiguration* config, int address);
     ~KavroModuleLTH() override;
 };

@@ -7,15 +7,20 @@ namespace KavroLibrary {
 
 class KavroModule;
 
+// A module's status word and last error.
 class KavroModuleStatus {
 public:
+    // Made with its module; reached through KavroModule::ModuleStatus().
     explicit KavroModuleStatus(KavroModule* module);
 
     // Asks the module for its status word and error; throws when the module
     // cannot answer the query or the command fails.
     void UpdateStatus();
+    // The module's status word, as last asked.
     int Status() const { return status_; }
+    // The module's last error (an eKavroErrors value).
     int ErrorCode() const { return errorCode_; }
+    // The dictionary text of ErrorCode().
     std::string ErrorString() const;
 
 private:

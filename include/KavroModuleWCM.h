@@ -12,6 +12,7 @@ namespace KavroLibrary {
 
 class WCM_Devices;
 
+// A wireless concentrator module: up to six hand tools in its slots.
 class KavroModuleWCM : public KavroModule {
 public:
     // Reads the scan duration and every slot's fields. A concentrator whose
@@ -20,6 +21,7 @@ public:
     KavroModuleWCM(NetworkConfiguration* config, int address);
     ~KavroModuleWCM() override;
 
+    // The concentrator's six slots.
     WCM_Devices* Devices() const { return devices_.get(); }
 
     // The scan time in seconds, as last read.

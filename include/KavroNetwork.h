@@ -21,53 +21,84 @@ class KavroDynamic;
 class KavroModuleAGM;
 struct NotificationGate;
 
+// One measurement bus behind one interface module: connect it, put modules on it, read them, run its modes.
 class KavroNetwork {
 public:
+    // Made through a transport class (KavroNetworkETHIM ...); `networkNumber` is what dynamic callbacks receive.
     KavroNetwork(int networkNumber, std::string networkName);
+    // Ends a running mode or notification and closes the link.
     virtual ~KavroNetwork();
     KavroNetwork(const KavroNetwork&) = delete;
     KavroNetwork& operator=(const KavroNetwork&) = delete;
 
+    // Opens the link and identifies the controller; IsConnected() says whether it answered.
     virtual void Connect();
+    // Ends a running mode and closes the link.
     virtual void Disconnect();
+    // Whether the controller can stream in dynamic mode and every module on the network can take part.
     virtual bool DynamicCapable();
+    // Whether the controller can stream at a custom interval (Dynamic2Custom).
     virtual bool Dynamic2Capable();
+    // Whether a master module may pace a dynamic run on this controller.
     virtual bool DynamicExternalSourceCapable();
 
+    // The controller's description of itself, or the name a settings file gave.
     std::string Description() const;
+    // The network's name.
     std::string NetworkName() const;
+    // Renames the network.
     void setNetworkName(std::string name);
+    // The controller's identity.
     std::string ControllerID() const;
+    // The kind of controller that answered.
     eNetworkType NetworkType() const;
+    // Whether the link is open and the controller answered.
     bool IsConnected() const;
+    // The bus speed now.
     eNetSpeed NetSpeed() const;
+    // How many modules the controller's bus may hold.
     int MaximumAllowableNumberOfModules() const;
+    // Buffered mode on this network.
     NetworkBuffered* Buffered() const { return buffered_.get(); }
+    // Difference mode on this network.
     NetworkDifference* Difference() const { return difference_.get(); }
+    // Dynamic streaming on this network.
     KavroDynamic* Dynamic() const { return dynamic_.get(); }
 
     // Modules, in address order (index = address - 1).
     int ModuleCount() const;
+    // The module at `index` (address - 1), or null past the end.
     KavroModule* GetModule(unsigned int index) const;
+    // The module with this identity, or null.
     KavroModule* GetModuleByID(std::string id) const;
+    // The index of the module with this identity, or -1.
     int GetModuleIndexByID(std::string id) const;
     // Addresses the module with this identity as the next module, identifies
     // it and appends it; throws when the bus refuses it.
     void AddModule(std::string id, std::string name);
     // The addition itself, at the current speed; returns the set-address error.
     eKavroErrors AddModuleInternal(std::string id, std::string name);
+    // Takes the module at `index` off the network; a pointer to it stays valid while the network lives.
     void DeleteModule(int index);
+    // Takes the module with this identity off the network.
     void DeleteModule(std::string id);
+    // Takes every module off the network.
     void ClearModules();
 
+    // Whether a master module may pace a buffered run on this network.
     bool BufferedExternalSourceCapable() const;
+    // Whether the network can run buffered mode.
     bool BufferedCapable() const;
+    // How many leading modules Readburst() reads.
     int ReadBurstCapableCount() const;
+    // Whether Readburst() reads any module.
     bool ReadBurstCapable() const;
 
     // Speeds that the controller and every module support.
     std::vector<eNetSpeed> AvailableSpeeds() const;
+    // Whether the controller and every module support this speed.
     bool SpeedAvailable(eNetSpeed speed) const;
+    // Sets the bus speed of the controller and every module; throws when one cannot.
     void setNetSpeed(eNetSpeed speed);
 
     // Notification: a background thread waits for one module to announce
@@ -76,6 +107,7 @@ public:
     void BeginNotifying();
     // The body of the notification thread.
     void NotifyProcess(eNetSpeed restoreSpeed);
+    // Whether a notification is running.
     bool Notifying() const;
     // Stops the notification and waits until the thread has finished.
     void CancelNotifying();
@@ -99,6 +131,7 @@ public:
 
     // Settings files: the network's name, speed and modules with their settings.
     void Save(std::string path);
+    // Sets the network up again from a settings file: clears it and adds the file's modules.
     void Load(std::string path);
 
     // Capability flags and lists of a freshly created module.
@@ -106,6 +139,7 @@ public:
     // Extra offset of an air gauge: none for pressure, else the size band.
     static void agm_init(KavroModuleAGM* module);
 
+    // Library use: the link record.
     NetworkConfiguration* Configuration() const { return config_.get(); }
 
 protected:
@@ -145,6 +179,7 @@ private:
 
 // Orderings of module lists: by bus address, and by remap index.
 bool ModuleAddressOrder(KavroModule* first, KavroModule* second);
+// Orders modules by remap index.
 bool ModuleReMapOrder(KavroModule* first, KavroModule* second);
 
 }  // namespace KavroLibrary

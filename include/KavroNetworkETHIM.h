@@ -7,6 +7,7 @@
 
 namespace KavroLibrary {
 
+// A network behind an Ethernet interface module.
 class KavroNetworkETHIM : public KavroNetwork {
 public:
     // `address` is the controller's dotted IPv4 address.

@@ -7,6 +7,7 @@
 
 namespace KavroLibrary {
 
+// A network behind a serial interface module.
 class KavroNetworkRS232 : public KavroNetwork {
 public:
     // `devicePath` names the tty; `baud` is the line's rate.

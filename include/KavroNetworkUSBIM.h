@@ -6,8 +6,10 @@
 
 namespace KavroLibrary {
 
+// A network behind a USB interface module.
 class KavroNetworkUSBIM : public KavroNetwork {
 public:
+    // The interface module at `deviceIndex` in the D2XX library's device list.
     KavroNetworkUSBIM(int networkNumber, int deviceIndex);
     ~KavroNetworkUSBIM() override;
 

@@ -8,6 +8,7 @@
 
 namespace KavroLibrary {
 
+// A network behind a wireless interface module.
 class KavroNetworkWIM : public KavroNetwork {
 public:
     // `address`: "a.b.c.d" or "a.b.c.d:port" for TCP (port 10001 when not

@@ -12,6 +12,7 @@ namespace KavroLibrary {
 class KavroNetwork;
 class FTDICommunications;
 
+// Every network the installation has; filled by FindNetworks(), owned by the server.
 class KavroNetworks {
 public:
     KavroNetworks();
@@ -24,11 +25,14 @@ public:
     // is not set.
     void FindNetworks();
 
+    // Number of networks found.
     unsigned int Count() const;
     // Throws std::runtime_error("Network at index does not exist.") past the end.
     KavroNetwork* Network(unsigned int index) const;
 
+    // Connects every network; those that do not answer stay unconnected.
     void ConnectAll();
+    // Disconnects every network.
     void DisconnectAll();
 
 private:

@@ -13,6 +13,7 @@ namespace KavroLibrary {
 // Keeps only '0'-'9', '-' and '.', then extracts one number; throws
 // std::runtime_error("Unable to parse number.") when none can be extracted.
 int KavroNumberStrToInt(std::string text);
+// As KavroNumberStrToInt(), for a decimal number.
 double KavroNumberStrToDouble(std::string text);
 
 // General notation with `precision` significant digits; '.' as decimal point.
@@ -29,6 +30,7 @@ std::vector<std::string> StringSplit(std::string text, char delimiter);
 // True when every character is a blank or a NUL (an empty text is true).
 bool StringIsNullOrWhiteSpace(const std::string& text);
 
+// The text in upper case, byte by byte as std::toupper does.
 std::string StringToUpper(std::string text);
 
 }  // namespace KavroLibrary

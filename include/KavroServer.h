@@ -12,6 +12,7 @@ namespace KavroLibrary {
 
 class KavroNetworks;
 
+// The application's entry object: the library's identity, error texts and the networks.
 class KavroServer {
 public:
     KavroServer();
@@ -19,7 +20,9 @@ public:
     KavroServer(const KavroServer&) = delete;
     KavroServer& operator=(const KavroServer&) = delete;
 
+    // The library's part number.
     std::string LibraryPartNumber() const;
+    // The library's version ("V 1.7").
     std::string LibraryVersion() const;
     std::string LibraryBuildDate() const;  // day/month/year
 
@@ -33,10 +36,12 @@ public:
     // processing.
     bool DynamicInProgress() const;
 
+    // Starts the prepared dynamic run of every network; all or none.
     void StartAllDynamic();
     // Starts dynamic on every network and calls `callback` once, on a worker
     // thread, when no network is reading or processing any more.
     void StartAllDynamic(void (*callback)());
+    // Stops every network's dynamic run.
     void StopAllDynamic();
 
 private:

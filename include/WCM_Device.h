@@ -17,38 +17,54 @@ class WCM_DeviceSettingsBase;
 
 // One channel as the concentrator describes it: its text and its value.
 struct sWCM_ChannelData {
+    // The channel's text, as the tool names it.
     std::string Text;
+    // The channel's last value.
     double Value = 0.0;
 };
 
+// One slot of a wireless concentrator and the hand tool in it.
 class WCM_Device {
 public:
+    // Most channels a tool has.
     static constexpr int kMaxChannels = 12;
 
+    // Made by the concentrator for slot `index` (0 to 5).
     WCM_Device(int index, KavroModuleWCM* module);
     ~WCM_Device();
     WCM_Device(const WCM_Device&) = delete;
     WCM_Device& operator=(const WCM_Device&) = delete;
 
+    // Library use: the network's link record.
     NetworkConfiguration* NetData() const;
+    // The concentrator's bus address.
     int WCMKavroAddress() const;
+    // The slot, 0 to 5.
     int Index() const { return index_; }
 
     // Field reads into the cache. Failures mark the device "Error" and throw
     // std::runtime_error, except the channel reads, which return what they got.
     eWCM_DeviceType getDeviceType();
+    // Reads the tool's name into the cache.
     std::string getName();
+    // Reads the tool's identity into the cache.
     std::string getKavroIdentity();
+    // Reads the tool's channel count into the cache.
     int getNumChannels();
+    // Reads one channel's record (0 to 11) into the cache.
     sWCM_ChannelData getChannelData(int channel);
+    // Reads all twelve channel records into the cache.
     void getAllChannelData();
     // Type, name, identity, channel count and all twelve channels, in this order.
     void UpdateDeviceFieldData();
 
     // Cached values.
     eWCM_DeviceType DeviceType() const { return type_; }
+    // The tool's name, as cached.
     std::string DeviceName() const { return name_; }
+    // The tool's identity, as cached.
     std::string KavroIdentity() const { return identity_; }
+    // The tool's channel count, as cached.
     int NumChannels() const { return numChannels_; }
     // The settings object matching the device's type. It is replaced when
     // getDeviceType() finds another type: a pointer obtained here is then
@@ -63,6 +79,7 @@ public:
 
     // Read afresh; a failed read gives Error rather than throwing.
     eWCM_DeviceStatus ConnectionStatus();
+    // The tool's battery level, read afresh.
     int BatteryStatus();
 
     // A copy of the cached record of a channel (0 to 11; an empty record for
@@ -74,11 +91,17 @@ public:
     // the device does not have are dropped, and a mask without any of the
     // low twelve bits is refused.
     KavroChannelReadings Read(unsigned int mask, eRead3_ControlCode code, eRead3_UOM uom);
+    // As Read(unsigned int, ...), with the channels as an eChannelMask.
     KavroChannelReadings Read(eChannelMask mask, eRead3_ControlCode code, eRead3_UOM uom);
+    // Reads the channels of `mask` in the tool's own unit.
     KavroChannelReadings Read(unsigned int mask, eRead3_ControlCode code);
+    // Reads the channels of `mask` as fixed-point values in the tool's own unit.
     KavroChannelReadings Read(unsigned int mask);
+    // Reads every channel the tool has, in this form and unit.
     KavroChannelReadings ReadAllChannels(eRead3_ControlCode code, eRead3_UOM uom);
+    // Reads every channel the tool has, in the tool's own unit.
     KavroChannelReadings ReadAllChannels(eRead3_ControlCode code);
+    // Reads every channel the tool has.
     KavroChannelReadings ReadAllChannels();
 
 private:

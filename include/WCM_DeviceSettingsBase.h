@@ -11,17 +11,21 @@ namespace KavroLibrary {
 
 class WCM_Device;
 
+// Sends text commands to a hand tool through its concentrator; the base of the tools' settings.
 class WCM_DeviceSettingsBase {
 public:
+    // Made by its slot; reached through WCM_Device::Settings().
     explicit WCM_DeviceSettingsBase(WCM_Device* device);
     virtual ~WCM_DeviceSettingsBase();
     WCM_DeviceSettingsBase(const WCM_DeviceSettingsBase&) = delete;
     WCM_DeviceSettingsBase& operator=(const WCM_DeviceSettingsBase&) = delete;
 
+    // The slot the tool is in.
     WCM_Device* Device() const { return device_; }
 
     // Whether the concentrator is to hold the tool in configuration mode.
     bool ConfigMode();
+    // Asks the concentrator to hold the tool in configuration mode, or to let it go.
     void setConfigMode(bool on);
     // Whether the tool is in configuration mode now.
     bool EnteredConfigMode();

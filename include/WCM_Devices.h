@@ -9,10 +9,13 @@ namespace KavroLibrary {
 class KavroModuleWCM;
 class WCM_Device;
 
+// The six slots of a wireless concentrator.
 class WCM_Devices {
 public:
+    // Slots of a concentrator.
     static constexpr int kSlots = 6;
 
+    // Made by its concentrator; reached through KavroModuleWCM::Devices().
     explicit WCM_Devices(KavroModuleWCM* module);
     ~WCM_Devices();
     WCM_Devices(const WCM_Devices&) = delete;
@@ -22,7 +25,9 @@ public:
     WCM_Device* GetDevice(int index) const {
         return index >= 0 && index < DeviceCount() ? devices_[static_cast<std::size_t>(index)].get() : nullptr;
     }
+    // Number of slots (6).
     int DeviceCount() const { return static_cast<int>(devices_.size()); }
+    // The concentrator.
     KavroModuleWCM* Module() const { return module_; }
 
 private:

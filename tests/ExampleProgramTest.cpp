@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "ChildProcess.h"
+#include "ConfigurationHome.h"
 #include "core/KavroSim.h"
 
 using namespace kavrosim;
@@ -102,4 +103,57 @@ TEST(ExampleProgram, StreamsTheProbesOverEthernetAndUsb) {
     const std::regex set("  set [0-2]:  [0-9.]+ mm  2\\.5000 mm  [0-9.]+ mm  [0-9.]+ mm\n");
     EXPECT_EQ(6, std::distance(std::sregex_iterator(output.begin(), output.end(), set), std::sregex_iterator()))
         << output;
+}
+
+// The examples of the guide's tasks, each against the scenario's Ethernet
+// controller: every line they must print.
+TEST(ExampleProgram, EachTaskOfTheGuideRunsOnTheDefaultScenario) {
+    SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
+    scenario.controllers.front().address.clear();
+    SimSession session(scenario);
+    session.start();
+    const std::string address = session.face(0).location();
+    // find_networks reads the per-user configuration file under HOME.
+    ConfigurationHome home;
+    home.writeUserFile(ConfigurationHome::settings(
+        "<network controllertype=\"ETHIM\"><networkname>Bench</networkname><address>" + address +
+        "</address></network>\n<network controllertype=\"ETHIM\"><networkname>Nowhere</networkname><address>" +
+        freeLoopbackAddress() + "</address></network>\n"));
+    const std::string settings = (home.dir.path() / "bench.xml").string();
+
+    const std::string reading = "[0-9]+\\.[0-9]{4}";
+    const struct {
+        const char* example;
+        std::vector<std::string> args;
+        std::vector<std::string> lines;  // regular expressions, each matching one whole line
+    } cases[] = {
+        {"difference_mode",
+         {address},
+         {"GP02000001  min " + reading + "  max " + reading + "  spread " + reading + " mm  NoError",
+          "GP05000002  min 2\\.5000  max 2\\.5000  spread 0\\.0000 mm  NoError",
+          "GP10000003  min " + reading + "  max " + reading + "  spread " + reading + " mm  NoError"}},
+        {"buffered_mode",
+         {address},
+         {"GP02000001  [1-9][0-9]* readings every 20480 us:(  " + reading + ")+ mm",
+          "GP05000002  [1-9][0-9]* readings every 20480 us:(  2\\.5000)+ mm"}},
+        {"settings_file",
+         {settings, address},
+         {"saved 2 modules to .*bench\\.xml", "1  GP02000001  \"Bore top\"  averaging average16",
+          "2  GP05000002  \"Bore bottom\"  averaging average4"}},
+        {"find_networks",
+         {},
+         {"library: .+", "network 0  ETHIM2  \"Bench\"  connected", "network 1  ETHIM  \"Nowhere\"  not connected",
+          "  [0-9]+  GP02000001  DP", "  [0-9]+  GP01000004  DP", "  [0-9]+  LE00000005  LE",
+          "  [0-9]+  WC00000007  WCM"}},
+    };
+    for (const auto& c : cases) {
+        ChildProcess example(std::string(KAVRO_BINARY_DIR "/examples/example-") + c.example, c.args);
+        const std::string output = example.output(std::chrono::seconds(60));
+        EXPECT_EQ(0, example.exitStatus()) << c.example << "\n" << output;
+        for (const std::string& line : c.lines) {
+            EXPECT_TRUE(std::regex_search(output, std::regex("(^|\n)" + line + "\n")))
+                << c.example << ": " << line << "\n"
+                << output;
+        }
+    }
 }

@@ -20,8 +20,13 @@ for package in libkavrolibrary1 libkavrolibrary-dev kavro-tools; do
     ls "$scratch"/debs/${package}_*.deb >/dev/null
 done
 
+# (set -e does not stop at a failing test inside an && list: one per line.)
+for file in usr/share/kavrolinuxlibrary/languages/ErrLang_en.dat usr/share/man/man1/kavro-sim.1 \
+    usr/lib/udev/rules.d/60-kavro-usbim.rules; do
+    test -f "$root/$file" || { echo "the packages lack /$file" >&2; exit 1; }
+done
 pc="$(find "$root" -name KavroLibrary.pc)"
-test -n "$pc" && test -f "$root/usr/share/kavrolinuxlibrary/languages/ErrLang_en.dat"
+test -n "$pc" || { echo "the packages lack KavroLibrary.pc" >&2; exit 1; }
 export PKG_CONFIG_PATH="$(dirname "$pc")"
 cflags="$(pkg-config --cflags KavroLibrary)"
 libs="$(pkg-config --libs KavroLibrary)"

@@ -34,4 +34,10 @@ fi
 export PKG_CONFIG_PATH="$(dirname "$(find "$scratch/prefix" -name KavroLibrary.pc)")"
 example="$(ls "$source"/examples/*.cpp | head -n 1)"
 g++ -std=c++17 $(pkg-config --cflags KavroLibrary) "$example" -o "$scratch/example" $(pkg-config --libs KavroLibrary)
+# kavro-sim finds the scenario installed beside it.
+"$scratch/prefix/bin/kavro-sim" --help | grep -F "$scratch/prefix/share/kavrolibrary/default.scn" >/dev/null || {
+    echo "kavro-sim does not find its scenario in the prefix:" >&2
+    "$scratch/prefix/bin/kavro-sim" --help >&2
+    exit 1
+}
 echo "a private prefix installs and builds an example"
