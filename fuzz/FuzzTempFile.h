@@ -10,7 +10,7 @@
 class FuzzTempFile {
 public:
     FuzzTempFile(const std::uint8_t* data, std::size_t size) {
-        char name[] = "/tmp/kavro-fuzz-XXXXXX";
+        char name[] = "/dev/shm/kavro-fuzz-XXXXXX";
         const int fd = mkstemp(name);
         if (fd < 0) return;
         path_ = name;

@@ -75,8 +75,18 @@ private:
     // see only the sets the count has published.
     mutable std::mutex appendLock_;
     std::atomic<std::int32_t> moduleCount_;
-    // The chunk table, made with the first set; chunks as the run grows.
-    std::unique_ptr<std::unique_ptr<sDynamicReadingData[]>[]> chunks_;
+    // The chunk table, made with the first set from zeroed memory the system
+    // hands out untouched; chunks as the run grows, in order, so the first
+    // empty entry ends the used ones (a short run costs a few pages).
+    struct ChunkTable {
+        ChunkTable() = default;
+        ~ChunkTable();
+        ChunkTable(const ChunkTable&) = delete;
+        ChunkTable& operator=(const ChunkTable&) = delete;
+        void freeChunks();
+        sDynamicReadingData** slots = nullptr;
+    };
+    ChunkTable chunks_;
     std::atomic<std::int64_t> count_{0};
     std::vector<std::shared_ptr<const KavroReadType>> decoders_;
     std::vector<bool> probes_;

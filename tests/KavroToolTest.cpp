@@ -4,7 +4,9 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -118,4 +120,56 @@ TEST(KavroTool, InterruptedReadLeavesEveryRecordWhole) {
     const std::string text = fileText(csv);
     EXPECT_EQ('\n', text.back());
     for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_EQ(7u, csvFields(rows[i]).size()) << rows[i];
+}
+
+// Difference, buffered and hand tools on a bus with one controller.
+TEST(KavroTool, ModesAndHandToolsReadBack) {
+    TempDir dir;
+    const std::string scenario = (dir.path() / "bench.scn").string();
+    std::ofstream(scenario) << "controller ethernet 127.0.0.1 identity=ETHSIM0001 type=ETH2\n"
+                               "module probe GP02000001 range=2 signal=sine:1,0.6,4\n"
+                               "module probe GP05000002 range=5 signal=constant:2.5\n"
+                               "module wcm WC00000007\n"
+                               "tool 1 WHT_M identity=WHTM000001 ch1=constant:12 ch2=constant:11.5\n";
+    ChildProcess diff(kTool, {"--sim", scenario, "diff", "--duration", "0.5", "--format", "csv"});
+    const std::vector<std::string> diffRows = lines(diff.output(std::chrono::seconds(60)));
+    ASSERT_EQ(0, diff.exitStatus());
+    ASSERT_EQ(3u, diffRows.size());
+    EXPECT_EQ("time,network,address,identity,value,units,status,min,max", diffRows[0]);
+    for (std::size_t i = 1; i < diffRows.size(); ++i) {
+        const std::vector<std::string> f = csvFields(diffRows[i]);
+        ASSERT_EQ(9u, f.size()) << diffRows[i];
+        EXPECT_NEAR(std::stod(f[8]) - std::stod(f[7]), std::stod(f[4]), 1e-5) << diffRows[i];
+        // The constant probe's spread is 0, the swinging one's is not.
+        EXPECT_EQ(f[3] == "GP02000001", std::stod(f[4]) > 0.0) << diffRows[i];
+    }
+
+    ChildProcess buffered(kTool, {"--sim", scenario, "buffered", "--interval", "0.01", "--duration", "0.3",
+                                  "--format", "json"});
+    const std::vector<std::string> records = lines(buffered.output(std::chrono::seconds(60)));
+    ASSERT_EQ(0, buffered.exitStatus());
+    std::map<std::string, std::vector<std::string>> times;  // identity -> record times, in order
+    for (const std::string& line : records) {
+        std::smatch match;
+        ASSERT_TRUE(std::regex_match(line, match, kJsonRecord)) << line;
+        times[line.substr(line.find("\"identity\":\"") + 12, 10)].push_back(line.substr(9, 24));
+    }
+    ASSERT_EQ(2u, times.size());
+    for (const auto& [identity, stamps] : times) {
+        EXPECT_GE(stamps.size(), 10u) << identity;
+        EXPECT_TRUE(std::is_sorted(stamps.begin(), stamps.end())) << identity;
+        EXPECT_LT(stamps.front(), stamps.back()) << identity;
+    }
+
+    ChildProcess tools(kTool, {"--sim", scenario, "wireless", "--read", "--format", "csv"});
+    const std::vector<std::string> channels = lines(tools.output(std::chrono::seconds(60)));
+    ASSERT_EQ(0, tools.exitStatus());
+    ASSERT_EQ(4u, channels.size());  // a WHT_M has three channels
+    EXPECT_EQ("WHTM000001/2", csvFields(channels[2])[3]);
+    EXPECT_NEAR(11.5, std::stod(csvFields(channels[2])[4]), 1e-6);
+
+    ChildProcess refused(kTool, {"--sim", scenario, "wireless", "--tool", "1", "--set", "led1=Nope"});
+    const std::string said = refused.output(std::chrono::seconds(60));
+    EXPECT_EQ(2, refused.exitStatus());
+    EXPECT_EQ("kavro: Nope is no value of led1\n", said);
 }

@@ -1,6 +1,8 @@
 #include "KavroDynamicData.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
 #include <stdexcept>
 
 #include "links/NetworkConfiguration.h"
@@ -24,11 +26,23 @@ KavroDynamicData::KavroDynamicData(NetworkConfiguration* config, int moduleCount
 
 KavroDynamicData::~KavroDynamicData() = default;
 
+KavroDynamicData::ChunkTable::~ChunkTable() {
+    freeChunks();
+    std::free(slots);
+}
+
+void KavroDynamicData::ChunkTable::freeChunks() {
+    for (int i = 0; slots != nullptr && i < kChunks && slots[i] != nullptr; ++i) {
+        delete[] slots[i];
+        slots[i] = nullptr;
+    }
+}
+
 void KavroDynamicData::Reset(int moduleCount, std::vector<std::shared_ptr<const KavroReadType>> decoders,
                              std::vector<bool> probes) {
     std::lock_guard<std::mutex> append(appendLock_);
     count_.store(0, std::memory_order_release);
-    for (int i = 0; chunks_ && i < kChunks && chunks_[i]; ++i) chunks_[i].reset();
+    chunks_.freeChunks();
     moduleCount_ = std::max(moduleCount, 0);
     decoders_ = std::move(decoders);
     probes_ = std::move(probes);
@@ -65,7 +79,7 @@ void KavroDynamicData::checkBoundsLocked(int moduleIndex, int readingIndex) cons
 }
 
 sDynamicReadingData* KavroDynamicData::slot(std::int64_t set) const {
-    return chunks_[set / kSetsPerChunk].get() + (set % kSetsPerChunk) * moduleCount_;
+    return chunks_.slots[set / kSetsPerChunk] + (set % kSetsPerChunk) * moduleCount_;
 }
 
 sReadingItem KavroDynamicData::convert(int moduleIndex, const sDynamicReadingData& raw) const {
@@ -116,9 +130,12 @@ sDynamicReadingData* KavroDynamicData::reserve() {
     const std::int64_t set = count_.load(std::memory_order_relaxed);
     const std::int64_t chunk = set / kSetsPerChunk;
     if (chunk >= kChunks || moduleCount_ == 0) return nullptr;
-    if (!chunks_) chunks_.reset(new std::unique_ptr<sDynamicReadingData[]>[kChunks]);
-    if (!chunks_[chunk]) {
-        chunks_[chunk].reset(new sDynamicReadingData[static_cast<std::size_t>(kSetsPerChunk) * moduleCount_]);
+    if (chunks_.slots == nullptr) {
+        chunks_.slots = static_cast<sDynamicReadingData**>(std::calloc(kChunks, sizeof(sDynamicReadingData*)));
+        if (chunks_.slots == nullptr) throw std::bad_alloc();
+    }
+    if (chunks_.slots[chunk] == nullptr) {
+        chunks_.slots[chunk] = new sDynamicReadingData[static_cast<std::size_t>(kSetsPerChunk) * moduleCount_];
     }
     return slot(set);
 }

@@ -11,18 +11,6 @@ namespace kavro_tool {
 using namespace KavroLibrary;
 using Clock = std::chrono::steady_clock;
 
-namespace {
-
-// Sleeps up to `seconds`, in short steps so that Ctrl+C ends it at once.
-void pause(double seconds) {
-    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-    while (Clock::now() < end && !stopRequested) {
-        std::this_thread::sleep_for(std::min<Clock::duration>(end - Clock::now(), std::chrono::milliseconds(20)));
-    }
-}
-
-}  // namespace
-
 int readCommand(Tool& tool, int count, double interval, bool watch, bool burst) {
     tool.findModules();
     RecordWriter writer(tool.out, tool.format);
@@ -147,7 +135,7 @@ int streamCommand(Tool& tool, const std::string& rate, long count, double durati
                     KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
                     const sReadingItem item = data.GetItem(m, set);
                     writer.write({stamp, tool.label(i), module.Address(), module.ModuleID(), item.value,
-                                  module.UnitsOfMeasure(), statusText(item.error)});
+                                  module.UnitsOfMeasure(), statusText(item.error), {}});
                 }
             }
             written[i] = available;

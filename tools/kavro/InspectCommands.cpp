@@ -9,7 +9,16 @@ using namespace KavroLibrary;
 
 namespace {
 
-// Rows as the chosen format wants them: a table, CSV, or JSON lines.
+std::string speeds(const std::vector<eNetSpeed>& list) {
+    std::string text;
+    for (eNetSpeed speed : list) text += (text.empty() ? "" : " ") + eNetSpeed_ToString(speed);
+    return text;
+}
+
+std::string yesNo(bool value) { return value ? "yes" : "no"; }
+
+}  // namespace
+
 void emitRows(Tool& tool, const std::vector<std::string>& heading, const std::vector<std::vector<std::string>>& rows) {
     if (tool.format == Format::Table) {
         std::vector<std::vector<std::string>> all{heading};
@@ -31,16 +40,6 @@ void emitRows(Tool& tool, const std::vector<std::string>& heading, const std::ve
         std::fprintf(tool.out, "%s%s\n", line.c_str(), tool.format == Format::Json ? "}" : "");
     }
 }
-
-std::string speeds(const std::vector<eNetSpeed>& list) {
-    std::string text;
-    for (eNetSpeed speed : list) text += (text.empty() ? "" : " ") + eNetSpeed_ToString(speed);
-    return text;
-}
-
-std::string yesNo(bool value) { return value ? "yes" : "no"; }
-
-}  // namespace
 
 int scanCommand(Tool& tool) {
     std::vector<std::vector<std::string>> rows;

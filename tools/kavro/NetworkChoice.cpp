@@ -1,5 +1,6 @@
 #include "NetworkChoice.h"
 
+#include <exception>
 #include <stdexcept>
 #include <thread>
 
@@ -58,18 +59,32 @@ std::unique_ptr<KavroNetwork> makeNetwork(const NetworkChoice& choice, int n) {
     return nullptr;
 }
 
-void connectAll(const std::vector<KavroNetwork*>& networks) {
+void inParallel(const std::vector<KavroNetwork*>& networks, const std::function<void(KavroNetwork&)>& work) {
+    std::vector<std::exception_ptr> failures(networks.size());
     std::vector<std::thread> threads;
-    for (KavroNetwork* network : networks) {
-        threads.emplace_back([network] {
+    for (std::size_t i = 0; i < networks.size(); ++i) {
+        threads.emplace_back([&, i] {
             try {
-                network->Connect();
-            } catch (const std::exception& error) {
-                std::fprintf(stderr, "kavro: %s\n", error.what());
+                work(*networks[i]);
+            } catch (...) {
+                failures[i] = std::current_exception();
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
+    for (const std::exception_ptr& failure : failures) {
+        if (failure) std::rethrow_exception(failure);
+    }
+}
+
+void connectAll(const std::vector<KavroNetwork*>& networks) {
+    inParallel(networks, [](KavroNetwork& network) {
+        try {
+            network.Connect();
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "kavro: %s\n", error.what());
+        }
+    });
 }
 
 std::string networkLabel(KavroNetwork& network, int n) {

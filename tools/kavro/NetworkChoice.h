@@ -1,6 +1,7 @@
 // Which networks a command works on, and connecting them side by side.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,7 +24,13 @@ NetworkChoice parseChoice(NetworkChoice::Kind kind, const std::string& text);
 // The network object for a choice (not connected yet); `number` names it.
 std::unique_ptr<KavroLibrary::KavroNetwork> makeNetwork(const NetworkChoice& choice, int number);
 
-// Connects every network at once, one thread each.
+// Runs `work` on every network at once, one thread each (a bus's time-outs
+// then add up per network, not over all of them); rethrows the first
+// exception once every thread has ended.
+void inParallel(const std::vector<KavroLibrary::KavroNetwork*>& networks,
+                const std::function<void(KavroLibrary::KavroNetwork&)>& work);
+
+// Connects every network at once; a failure is one line on standard error.
 void connectAll(const std::vector<KavroLibrary::KavroNetwork*>& networks);
 
 // A short name for records: the network's name, or its controller's identity.

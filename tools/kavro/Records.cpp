@@ -8,8 +8,9 @@
 
 namespace kavro_tool {
 
-std::string timeStamp() {
-    const auto now = std::chrono::system_clock::now();
+std::string timeStamp() { return timeStamp(std::chrono::system_clock::now()); }
+
+std::string timeStamp(std::chrono::system_clock::time_point now) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
     const auto millis =
         std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
@@ -48,28 +49,61 @@ std::string csvField(const std::string& text) {
     return out + "\"";
 }
 
+namespace {
+
+std::string fixed(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6f", value);
+    return text;
+}
+
+}  // namespace
+
 void RecordWriter::write(const Record& r) {
-    char value[32];
-    std::snprintf(value, sizeof value, "%.6f", r.value);
+    const std::string value = fixed(r.value);
+    std::string extraNames, extraValues;
+    for (std::size_t i = 0; i < extra_.size(); ++i) {
+        const std::string v = fixed(i < r.extra.size() ? r.extra[i] : 0.0);
+        switch (format_) {
+            case Format::Csv:
+                extraNames += "," + extra_[i];
+                extraValues += "," + v;
+                break;
+            case Format::Json:
+                extraValues += "," + jsonText(extra_[i]) + ":" + v;
+                break;
+            case Format::Table:
+                char cell[64];
+                std::snprintf(cell, sizeof cell, "  %14s", extra_[i].c_str());
+                extraNames += cell;
+                std::snprintf(cell, sizeof cell, "  %14s", v.c_str());
+                extraValues += cell;
+                break;
+        }
+    }
     switch (format_) {
         case Format::Csv:
-            if (!headed_) std::fprintf(out_, "time,network,address,identity,value,units,status\n");
-            std::fprintf(out_, "%s,%s,%d,%s,%s,%s,%s\n", r.time.c_str(), csvField(r.network).c_str(), r.address,
-                         csvField(r.identity).c_str(), value, csvField(r.units).c_str(), csvField(r.status).c_str());
+            if (!headed_) std::fprintf(out_, "time,network,address,identity,value,units,status%s\n", extraNames.c_str());
+            std::fprintf(out_, "%s,%s,%d,%s,%s,%s,%s%s\n", r.time.c_str(), csvField(r.network).c_str(), r.address,
+                         csvField(r.identity).c_str(), value.c_str(), csvField(r.units).c_str(),
+                         csvField(r.status).c_str(), extraValues.c_str());
             break;
         case Format::Json:
             std::fprintf(out_,
                          "{\"time\":%s,\"network\":%s,\"address\":%d,\"identity\":%s,\"value\":%s,\"units\":%s,"
-                         "\"status\":%s}\n",
+                         "\"status\":%s%s}\n",
                          jsonText(r.time).c_str(), jsonText(r.network).c_str(), r.address, jsonText(r.identity).c_str(),
-                         value, jsonText(r.units).c_str(), jsonText(r.status).c_str());
+                         value.c_str(), jsonText(r.units).c_str(), jsonText(r.status).c_str(), extraValues.c_str());
             break;
-        case Format::Table:
-            if (!headed_) std::fprintf(out_, "%-24s  %-12s  %4s  %-10s  %14s  %-6s  %s\n", "time", "network", "addr",
-                                       "identity", "value", "units", "status");
-            std::fprintf(out_, "%-24s  %-12s  %4d  %-10s  %14s  %-6s  %s\n", r.time.c_str(), r.network.c_str(),
-                         r.address, r.identity.c_str(), value, r.units.c_str(), r.status.c_str());
+        case Format::Table: {
+            const int statusWidth = extra_.empty() ? 0 : 12;  // no trailing blanks without extra columns
+            if (!headed_) std::fprintf(out_, "%-24s  %-12s  %4s  %-10s  %14s  %-6s  %-*s%s\n", "time", "network", "addr",
+                                       "identity", "value", "units", statusWidth, "status", extraNames.c_str());
+            std::fprintf(out_, "%-24s  %-12s  %4d  %-10s  %14s  %-6s  %-*s%s\n", r.time.c_str(), r.network.c_str(),
+                         r.address, r.identity.c_str(), value.c_str(), r.units.c_str(), statusWidth, r.status.c_str(),
+                         extraValues.c_str());
             break;
+        }
     }
     headed_ = true;
 }

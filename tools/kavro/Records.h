@@ -2,6 +2,7 @@
 // one record per reading; and a progress line on standard error.
 #pragma once
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -18,6 +19,7 @@ struct Record {
     double value = 0;
     std::string units;
     std::string status;  // "ok" or the error's name
+    std::vector<double> extra;  // values of the writer's extra columns, in order
 };
 
 // Writes records as they come: CSV with a header line, JSON one object a
@@ -25,18 +27,23 @@ struct Record {
 // run leaves every record written).
 class RecordWriter {
 public:
-    RecordWriter(std::FILE* out, Format format) : out_(out), format_(format) {}
+    // `extra` names columns that follow status (difference mode's min and
+    // max, say); every record then carries a value for each.
+    RecordWriter(std::FILE* out, Format format, std::vector<std::string> extra = {})
+        : out_(out), format_(format), extra_(std::move(extra)) {}
     void write(const Record& record);
     void flush() { std::fflush(out_); }
 
 private:
     std::FILE* out_;
     Format format_;
+    std::vector<std::string> extra_;
     bool headed_ = false;
 };
 
-// The time now, as records carry it.
+// The time now (or at `when`), as records carry it.
 std::string timeStamp();
+std::string timeStamp(std::chrono::system_clock::time_point when);
 // JSON string literal of `text`.
 std::string jsonText(const std::string& text);
 // CSV field of `text` (quoted when it needs to be).

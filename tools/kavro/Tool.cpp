@@ -1,5 +1,6 @@
 #include "Tool.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -11,6 +12,14 @@ std::atomic<bool> stopRequested{false};
 
 std::string statusText(eKavroErrors error) {
     return error == eKavroErrors::NoError ? "ok" : eKavroErrors_ToString(error);
+}
+
+void pause(double seconds) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    while (Clock::now() < end && !stopRequested) {
+        std::this_thread::sleep_for(std::min<Clock::duration>(end - Clock::now(), std::chrono::milliseconds(20)));
+    }
 }
 
 bool Tool::connect(const std::vector<NetworkChoice>& choices) {
@@ -36,25 +45,22 @@ bool Tool::connect(const std::vector<NetworkChoice>& choices) {
 }
 
 void Tool::findModules() {
-    for (KavroNetwork* network : networks) {
-        if (find == "none") continue;
+    if (find == "none") return;
+    inParallel(networks, [this](KavroNetwork& network) {
         if (find == "ping") {
-            network->Ping();
+            network.Ping();
         } else if (find == "hotswap") {
-            network->FindHotswapped();
+            network.FindHotswapped();
         } else if (find == "notify") {
             // Modules that announce themselves (their button pressed) join
             // while the network listens.
-            network->BeginNotifying();
-            const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(wait);
-            while (std::chrono::steady_clock::now() < end && !stopRequested) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            }
-            network->CancelNotifying();
+            network.BeginNotifying();
+            pause(wait);
+            network.CancelNotifying();
         } else {
-            network->Load(find);
+            network.Load(find);
         }
-    }
+    });
 }
 
 }  // namespace kavro_tool

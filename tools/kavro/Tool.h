@@ -17,11 +17,24 @@
 
 namespace kavro_tool {
 
+// Sleeps up to `seconds`, in short steps so that Ctrl+C ends it at once.
+void pause(double seconds);
+
 // Documented exit codes (kavro.1).
 enum ExitCode : int { kSuccess = 0, kDeviceError = 1, kBadUsage = 2, kNoNetwork = 3 };
 
 // Set by SIGINT and SIGTERM: long runs end cleanly and say so.
 extern std::atomic<bool> stopRequested;
+
+// What `kavro wireless` is asked to do: list the hand tools (always), read
+// their channels, show their settings, set one, or send a raw command.
+struct WirelessRequest {
+    bool read = false;
+    bool settings = false;
+    int tool = 0;               // slot, 1 to 6; 0: every tool
+    std::vector<std::string> set;  // NAME=VALUE
+    std::string command;
+};
 
 struct Tool {
     Format format = Format::Table;
@@ -46,10 +59,16 @@ int scanCommand(Tool& tool);
 int infoCommand(Tool& tool);
 int readCommand(Tool& tool, int count, double interval, bool watch, bool burst);
 int streamCommand(Tool& tool, const std::string& rate, long count, double duration, int modules, bool benchmark);
+int diffCommand(Tool& tool, double duration);
+int bufferedCommand(Tool& tool, double interval, double duration);
+int wirelessCommand(Tool& tool, const WirelessRequest& request);
 int speedCommand(Tool& tool, const std::string& speed);
 int saveCommand(Tool& tool, const std::string& file);
 int loadCommand(Tool& tool, const std::string& file);
 int errorCommand(const std::string& code);
+
+// Rows as the chosen format wants them: a table, CSV, or JSON lines.
+void emitRows(Tool& tool, const std::vector<std::string>& heading, const std::vector<std::vector<std::string>>& rows);
 
 // "ok" or the error's name.
 std::string statusText(KavroLibrary::eKavroErrors error);

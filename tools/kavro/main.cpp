@@ -88,6 +88,27 @@ int main(int argc, char** argv) {
     stream->add_option("--modules", modules, "how many leading modules stream (default: all that can)");
     stream->add_flag("--benchmark", benchmark, "store nothing, print nothing: measure the link");
 
+    double diffDuration = 1.0;
+    auto* diff = app.add_subcommand("diff", "difference mode: each module's smallest and largest reading over a time");
+    diff->add_option("--duration", diffDuration, "seconds to measure")->check(CLI::PositiveNumber)->capture_default_str();
+
+    double bufferedInterval = 0.02, bufferedDuration = 1.0;
+    auto* buffered = app.add_subcommand("buffered", "buffered mode: the modules store readings together, then report");
+    buffered->add_option("--interval", bufferedInterval, "seconds between readings")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    buffered->add_option("--duration", bufferedDuration, "seconds to measure")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+
+    WirelessRequest wirelessRequest;
+    auto* wireless = app.add_subcommand("wireless", "the hand tools of each wireless concentrator");
+    wireless->add_option("--tool", wirelessRequest.tool, "only the tool in this slot")->check(CLI::Range(1, 6));
+    auto* wirelessRead = wireless->add_flag("--read", wirelessRequest.read, "read the tools' channels");
+    wireless->add_flag("--settings", wirelessRequest.settings, "show the tools' settings")->excludes(wirelessRead);
+    wireless->add_option("--set", wirelessRequest.set, "change a setting (with --tool)")->type_name("NAME=VALUE");
+    wireless->add_option("--command", wirelessRequest.command, "send a raw command to the tool (with --tool)");
+
     std::string speed;
     auto* speedCmd = app.add_subcommand("speed", "show the bus speed, or set it");
     speedCmd->add_option("speed", speed, "low, high or ultrahigh")->check(CLI::IsMember({"low", "high", "ultrahigh"}));
@@ -108,6 +129,10 @@ int main(int argc, char** argv) {
         return app.exit(e);
     } catch (const CLI::ParseError& e) {
         std::fprintf(stderr, "kavro: %s (kavro --help)\n", e.what());
+        return kBadUsage;
+    }
+    if (*wireless && (!wirelessRequest.set.empty() || !wirelessRequest.command.empty()) && wirelessRequest.tool == 0) {
+        std::fprintf(stderr, "kavro: --set and --command need --tool SLOT (kavro --help)\n");
         return kBadUsage;
     }
     given.sim = sim->count() > 0;
@@ -132,6 +157,9 @@ int main(int argc, char** argv) {
         if (*info) result = infoCommand(tool);
         if (*read) result = readCommand(tool, count, interval, watch, burst);
         if (*stream) result = streamCommand(tool, rate, sets, duration, modules, benchmark);
+        if (*diff) result = diffCommand(tool, diffDuration);
+        if (*buffered) result = bufferedCommand(tool, bufferedInterval, bufferedDuration);
+        if (*wireless) result = wirelessCommand(tool, wirelessRequest);
         if (*speedCmd) result = speedCommand(tool, speed);
         if (*save) result = saveCommand(tool, file);
         if (*load) result = loadCommand(tool, file);
