@@ -50,6 +50,9 @@ public:
     void setNetworkName(std::string name);
     // The controller's identity.
     std::string ControllerID() const;
+    // The controller's firmware version in hundredths (150 for 1.50); 0
+    // until a connection has asked it.
+    int ControllerFirmware() const;
     // The kind of controller that answered.
     eNetworkType NetworkType() const;
     // Whether the link is open and the controller answered.

@@ -83,6 +83,7 @@ std::string KavroNetwork::Description() const { return config_->Description; }
 std::string KavroNetwork::NetworkName() const { return config_->NetworkName; }
 void KavroNetwork::setNetworkName(std::string name) { config_->NetworkName = std::move(name); }
 std::string KavroNetwork::ControllerID() const { return config_->ControllerID; }
+int KavroNetwork::ControllerFirmware() const { return config_->ControllerValue; }
 eNetworkType KavroNetwork::NetworkType() const { return config_->NetworkType; }
 bool KavroNetwork::IsConnected() const { return config_->Connected; }
 eNetSpeed KavroNetwork::NetSpeed() const { return config_->NetSpeed; }

@@ -45,12 +45,15 @@ int scanCommand(Tool& tool) {
     std::vector<std::vector<std::string>> rows;
     for (std::size_t i = 0; i < tool.networks.size(); ++i) {
         KavroNetwork& network = *tool.networks[i];
+        char firmware[16];
+        std::snprintf(firmware, sizeof firmware, "%d.%02d", network.ControllerFirmware() / 100,
+                      network.ControllerFirmware() % 100);
         rows.push_back({tool.label(i), network.Description(), network.ControllerID(),
-                        eNetworkType_ToString(network.NetworkType()),
+                        eNetworkType_ToString(network.NetworkType()), firmware,
                         std::to_string(network.MaximumAllowableNumberOfModules()), speeds(network.AvailableSpeeds()),
                         yesNo(network.DynamicCapable() || network.Dynamic2Capable())});
     }
-    emitRows(tool, {"network", "description", "controller", "type", "module_limit", "speeds", "dynamic"}, rows);
+    emitRows(tool, {"network", "description", "controller", "type", "firmware", "module_limit", "speeds", "dynamic"}, rows);
     return kSuccess;
 }
 

@@ -26,13 +26,18 @@ int number(const std::string& text, const std::string& what) {
 
 }  // namespace
 
+bool isUsbIndex(const NetworkChoice& choice) {
+    if (choice.kind != NetworkChoice::Kind::Usb) return false;
+    const std::string digits = choice.where[0] == '#' ? choice.where.substr(1) : choice.where;
+    return !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos;
+}
+
 NetworkChoice parseChoice(NetworkChoice::Kind kind, const std::string& text) {
     if (text.empty()) throw std::invalid_argument("a network needs an address");
     NetworkChoice choice{kind, text};
     const auto colon = text.rfind(':');
     if (kind == NetworkChoice::Kind::Serial && colon != std::string::npos) number(text.substr(colon + 1), "baud rate");
     if (kind == NetworkChoice::Kind::Wireless && colon != std::string::npos) number(text.substr(colon + 1), "channel");
-    if (kind == NetworkChoice::Kind::Usb) number(text[0] == '#' ? text.substr(1) : text, "USB device index");
     return choice;
 }
 

@@ -15,13 +15,17 @@ namespace kavro_tool {
 struct NetworkChoice {
     enum class Kind { Ethernet, Serial, Usb, Wireless };
     Kind kind = Kind::Ethernet;
-    std::string where;  // address, device path[:baud], serial number or index, address[:channel]
+    std::string where;  // address, device path[:baud], device index or controller identity, address[:channel]
 };
 
 // Parses "PATH[:BAUD]" and the like; throws std::invalid_argument.
 NetworkChoice parseChoice(NetworkChoice::Kind kind, const std::string& text);
 
-// The network object for a choice (not connected yet); `number` names it.
+// Whether a --usb choice is a D2XX device index (digits) rather than a
+// controller's identity.
+bool isUsbIndex(const NetworkChoice& choice);
+
+// The network object for a choice (a USB one by its device index) (not connected yet); `number` names it.
 std::unique_ptr<KavroLibrary::KavroNetwork> makeNetwork(const NetworkChoice& choice, int number);
 
 // Runs `work` on every network at once, one thread each (a bus's time-outs

@@ -24,18 +24,32 @@ void pause(double seconds) {
 
 bool Tool::connect(const std::vector<NetworkChoice>& choices) {
     std::vector<KavroNetwork*> candidates;
-    if (choices.empty()) {
+    std::vector<std::string> usbIdentities;  // USB controllers chosen by identity: found, then picked
+    for (const NetworkChoice& choice : choices) {
+        if (choice.kind == NetworkChoice::Kind::Usb && !isUsbIndex(choice)) {
+            usbIdentities.push_back(choice.where);
+            continue;
+        }
+        owned.push_back(makeNetwork(choice, static_cast<int>(owned.size())));
+        candidates.push_back(owned.back().get());
+    }
+    if (choices.empty() || !usbIdentities.empty()) {
         server.Networks()->FindNetworks();
-        for (unsigned i = 0; i < server.Networks()->Count(); ++i) candidates.push_back(server.Networks()->Network(i));
-    } else {
-        for (const NetworkChoice& choice : choices) {
-            owned.push_back(makeNetwork(choice, static_cast<int>(owned.size())));
-            candidates.push_back(owned.back().get());
+        for (unsigned i = 0; i < server.Networks()->Count(); ++i) {
+            KavroNetwork* found = server.Networks()->Network(i);
+            if (choices.empty() || dynamic_cast<KavroNetworkUSBIM*>(found) != nullptr) {
+                candidates.push_back(found);
+            }
         }
     }
     connectAll(candidates);
     for (KavroNetwork* network : candidates) {
-        if (network->IsConnected()) networks.push_back(network);
+        if (!network->IsConnected()) continue;
+        const bool named = std::any_of(owned.begin(), owned.end(), [network](const auto& mine) { return mine.get() == network; });
+        const bool identified = std::find(usbIdentities.begin(), usbIdentities.end(), network->ControllerID()) !=
+                                usbIdentities.end();
+        const bool picked = choices.empty() || named || identified;
+        if (picked) networks.push_back(network);
     }
     if (networks.empty()) {
         std::fprintf(stderr, "kavro: no network answers (%zu tried)\n", candidates.size());

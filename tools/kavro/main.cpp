@@ -49,7 +49,8 @@ int main(int argc, char** argv) {
     Tool tool;
     app.add_option("--ethernet", given.ethernet, "an Ethernet interface module's IPv4 address")->type_name("ADDRESS");
     app.add_option("--serial", given.serial, "a serial interface module's line, with its baud rate")->type_name("PATH[:BAUD]");
-    app.add_option("--usb", given.usb, "a USB interface module by its device index")->type_name("INDEX");
+    app.add_option("--usb", given.usb, "a USB interface module by its device index or controller identity")
+        ->type_name("INDEX|IDENTITY");
     app.add_option("--wireless", given.wireless, "a wireless interface module")->type_name("ADDRESS[:CHANNEL]");
     auto* sim = app.add_option("--sim", given.scenario,
                                "the simulated bus in this process (a scenario file, or the default scenario)")
