@@ -101,4 +101,27 @@ ControllerInfoReply ParseControllerInfo(const unsigned char* bytes, int got) {
     return result;
 }
 
+ControllerIdentifyReply RequestControllerIdentify(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes) {
+    std::vector<unsigned char> answer(static_cast<std::size_t>(sizes.Identify));
+    return ParseControllerIdentify(answer.data(), exchange({'I', 0x00, 0x00}, answer.data(), sizes.Identify));
+}
+
+ControllerInfoReply RequestControllerInfo(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes) {
+    std::vector<unsigned char> answer(static_cast<std::size_t>(sizes.Info));
+    return ParseControllerInfo(answer.data(), exchange({'B', 0x00, 0x00}, answer.data(), sizes.Info));
+}
+
+std::uint32_t RequestControllerSpeed(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes,
+                                     unsigned char baudIndex, eNetSpeed speed) {
+    std::vector<unsigned char> answer(static_cast<std::size_t>(sizes.Short));
+    const int got = exchange({kFrameSetSpeed, baudIndex, static_cast<unsigned char>(static_cast<int>(speed) & 0xFF)},
+                             answer.data(), sizes.Short);
+    return got > 0 ? answer[0] : 255u;
+}
+
+void RequestControllerIdle(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes) {
+    std::vector<unsigned char> answer(static_cast<std::size_t>(sizes.Short));
+    exchange({kFrameIdle}, answer.data(), sizes.Short);
+}
+
 }  // namespace KavroLibrary

@@ -1,11 +1,13 @@
 // The byte-oriented framing that the Ethernet and serial interface modules
-// share: request frames for module commands, the status-and-length reply
-// frame, and the layouts of the controller's identify and get-info answers.
+// share (the wireless one too): request frames for module commands, the
+// status-and-length reply frame, and the controller's own requests.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
+#include "KavroEnums.h"
 #include "links/ControllerReplies.h"
 #include "links/ModuleCommand.h"
 
@@ -44,5 +46,27 @@ ReplyFrame ReadReplyFrame(const FrameReader& read, unsigned char echo, bool long
 // that arrived. Fields that did not arrive in full are not read.
 ControllerIdentifyReply ParseControllerIdentify(const unsigned char* bytes, int got);
 ControllerInfoReply ParseControllerInfo(const unsigned char* bytes, int got);
+
+// One controller request over a link's byte stream: writes `request`, reads
+// up to `count` answer bytes into `answer`, returns how many arrived.
+using ControllerExchange =
+    std::function<int(const std::vector<unsigned char>& request, unsigned char* answer, int count)>;
+
+// The answers' lengths, which differ per link (Ethernet adds two bytes).
+struct ControllerAnswerSizes {
+    int Identify;
+    int Info;
+    int Short;  // set-speed and idle
+};
+
+// The controller requests every byte-stream link makes the same way.
+ControllerIdentifyReply RequestControllerIdentify(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes);
+ControllerInfoReply RequestControllerInfo(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes);
+// The controller's status byte, 255 when no answer came. `baudIndex` is
+// the line's configured rate (0 where the link has none).
+std::uint32_t RequestControllerSpeed(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes,
+                                     unsigned char baudIndex, eNetSpeed speed);
+// The answer is read and not looked at.
+void RequestControllerIdle(const ControllerExchange& exchange, const ControllerAnswerSizes& sizes);
 
 }  // namespace KavroLibrary

@@ -23,10 +23,7 @@ constexpr auto kTransferLimit = std::chrono::milliseconds(1500);
 constexpr auto kConnectLimit = std::chrono::seconds(5);
 constexpr int kFlushChunk = 5000;
 constexpr int kTrailingBytes = 2;
-constexpr int kIdentifyAnswer = 34;
-constexpr int kInfoAnswer = 45;
-constexpr int kSpeedAnswer = 4;
-constexpr int kIdleAnswer = 4;
+constexpr ControllerAnswerSizes kAnswers{34, 45, 4};
 
 bool isLostConnection(int error) { return error == ECONNABORTED || error == ECONNRESET || error == EPIPE; }
 
@@ -80,6 +77,13 @@ void sendRequest(NetworkConfiguration* config, std::vector<unsigned char> bytes)
 int readAnswer(NetworkConfiguration* config, unsigned char* buffer, int count) {
     int error = 0;
     return SocketReadDataFixedLength(config, buffer, count, &error);
+}
+
+ControllerExchange exchangeWith(NetworkConfiguration* config) {
+    return [config](const std::vector<unsigned char>& request, unsigned char* answer, int count) {
+        sendRequest(config, request);
+        return readAnswer(config, answer, count);
+    };
 }
 
 }  // namespace
@@ -201,28 +205,19 @@ ModuleReply ETHIMReadModuleResponse(NetworkConfiguration* config, unsigned char 
 }
 
 ControllerIdentifyReply ETHIMKavroIdentifyController(NetworkConfiguration* config) {
-    sendRequest(config, {'I', 0x00, 0x00});
-    unsigned char answer[kIdentifyAnswer] = {};
-    return ParseControllerIdentify(answer, readAnswer(config, answer, kIdentifyAnswer));
+    return RequestControllerIdentify(exchangeWith(config), kAnswers);
 }
 
 ControllerInfoReply ETHIMKavroGetInfoController(NetworkConfiguration* config) {
-    sendRequest(config, {'B', 0x00, 0x00});
-    unsigned char answer[kInfoAnswer] = {};
-    return ParseControllerInfo(answer, readAnswer(config, answer, kInfoAnswer));
+    return RequestControllerInfo(exchangeWith(config), kAnswers);
 }
 
 std::uint32_t SetControllerSpeedETHIM(NetworkConfiguration* config, eNetSpeed speed) {
-    sendRequest(config, {kFrameSetSpeed, 0x08, static_cast<unsigned char>(static_cast<int>(speed) & 0xFF)});
-    unsigned char answer[kSpeedAnswer] = {};
-    if (readAnswer(config, answer, kSpeedAnswer) < 1) return 255;
-    return answer[0];
+    return RequestControllerSpeed(exchangeWith(config), kAnswers, 0x08, speed);
 }
 
 std::uint32_t SetControllerIdleETHIM(NetworkConfiguration* config) {
-    sendRequest(config, {kFrameIdle});
-    unsigned char answer[kIdleAnswer] = {};
-    readAnswer(config, answer, kIdleAnswer);
+    RequestControllerIdle(exchangeWith(config), kAnswers);
     return 0;
 }
 

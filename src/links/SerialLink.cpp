@@ -20,10 +20,7 @@ namespace {
 
 constexpr auto kReadLimit = std::chrono::seconds(1);
 constexpr auto kWriteLimit = std::chrono::seconds(1);
-constexpr int kIdentifyAnswer = 32;
-constexpr int kInfoAnswer = 43;
-constexpr int kSpeedAnswer = 2;
-constexpr int kIdleAnswer = 2;
+constexpr ControllerAnswerSizes kAnswers{32, 43, 2};
 
 // Rates the line is set to both ways; anything else runs at 115200.
 speed_t lineSpeed(int baud) {
@@ -60,6 +57,13 @@ void drainLine(int fd, LinkClock::time_point deadline) {
 void writeRequest(NetworkConfiguration* config, std::vector<unsigned char> bytes) {
     if (bytes.empty()) return;
     RS232WriteDataFixedLength(config, bytes.data(), static_cast<int>(bytes.size()));
+}
+
+ControllerExchange exchangeWith(NetworkConfiguration* config) {
+    return [config](const std::vector<unsigned char>& request, unsigned char* answer, int count) {
+        writeRequest(config, request);
+        return RS232ReadDataFixedLength(config, answer, count);
+    };
 }
 
 }  // namespace
@@ -200,31 +204,22 @@ ModuleReply RS232ReadModuleResponse(NetworkConfiguration* config, unsigned char 
 }
 
 ControllerIdentifyReply RS232KavroIdentifyController(NetworkConfiguration* config) {
-    writeRequest(config, {'I', 0x00, 0x00});
-    unsigned char answer[kIdentifyAnswer] = {};
-    return ParseControllerIdentify(answer, RS232ReadDataFixedLength(config, answer, kIdentifyAnswer));
+    return RequestControllerIdentify(exchangeWith(config), kAnswers);
 }
 
 ControllerInfoReply RS232KavroGetInfoController(NetworkConfiguration* config) {
-    writeRequest(config, {'B', 0x00, 0x00});
-    unsigned char answer[kInfoAnswer] = {};
-    return ParseControllerInfo(answer, RS232ReadDataFixedLength(config, answer, kInfoAnswer));
+    return RequestControllerInfo(exchangeWith(config), kAnswers);
 }
 
 std::uint32_t SetControllerSpeedRS232(NetworkConfiguration* config, eNetSpeed speed) {
     // The controller is told the configured line rate, not the rate the line
     // was actually set to.
-    writeRequest(config, {kFrameSetSpeed, static_cast<unsigned char>(BaudRateToBaudIndex(config->BaudRate)),
-                          static_cast<unsigned char>(static_cast<int>(speed) & 0xFF)});
-    unsigned char answer[kSpeedAnswer] = {};
-    if (RS232ReadDataFixedLength(config, answer, kSpeedAnswer) < 1) return 255;
-    return answer[0];
+    return RequestControllerSpeed(exchangeWith(config), kAnswers,
+                                  static_cast<unsigned char>(BaudRateToBaudIndex(config->BaudRate)), speed);
 }
 
 std::uint32_t SetControllerIdleRS232(NetworkConfiguration* config) {
-    writeRequest(config, {kFrameIdle});
-    unsigned char answer[kIdleAnswer] = {};
-    RS232ReadDataFixedLength(config, answer, kIdleAnswer);
+    RequestControllerIdle(exchangeWith(config), kAnswers);
     return 0;
 }
 

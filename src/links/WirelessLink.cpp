@@ -26,9 +26,7 @@ namespace {
 constexpr auto kConnectLimit = std::chrono::seconds(5);
 constexpr auto kReadLimit = std::chrono::seconds(1);
 constexpr auto kWriteLimit = std::chrono::milliseconds(1500);
-constexpr int kIdentifyAnswer = 32;
-constexpr int kInfoAnswer = 43;
-constexpr int kShortAnswer = 2;
+constexpr ControllerAnswerSizes kAnswers{32, 43, 2};
 
 // RFCOMM without the Bluetooth development headers: the kernel's ABI.
 constexpr int kAfBluetooth = 31;
@@ -81,9 +79,11 @@ bool writeAll(NetworkConfiguration* config, const std::vector<unsigned char>& by
     return true;
 }
 
-int request(NetworkConfiguration* config, std::vector<unsigned char> bytes, unsigned char* answer, int count) {
-    if (!writeAll(config, bytes)) return 0;
-    return readSome(config->SocketFd, answer, count, LinkClock::now() + kReadLimit);
+ControllerExchange exchangeWith(NetworkConfiguration* config) {
+    return [config](const std::vector<unsigned char>& request, unsigned char* answer, int count) {
+        if (!writeAll(config, request)) return 0;
+        return readSome(config->SocketFd, answer, count, LinkClock::now() + kReadLimit);
+    };
 }
 
 bool connectWithin(int fd, const sockaddr* address, socklen_t length) {
@@ -193,28 +193,20 @@ ModuleReply WIMReadModuleResponse(NetworkConfiguration* config, unsigned char ec
 }
 
 ControllerIdentifyReply WIMKavroIdentifyController(NetworkConfiguration* config) {
-    unsigned char answer[kIdentifyAnswer] = {};
-    const int got = request(config, {'I', 0x00, 0x00}, answer, kIdentifyAnswer);
-    return ParseControllerIdentify(answer, got);
+    return RequestControllerIdentify(exchangeWith(config), kAnswers);
 }
 
 ControllerInfoReply WIMKavroGetInfoController(NetworkConfiguration* config) {
-    unsigned char answer[kInfoAnswer] = {};
-    const int got = request(config, {'B', 0x00, 0x00}, answer, kInfoAnswer);
-    return ParseControllerInfo(answer, got);
+    return RequestControllerInfo(exchangeWith(config), kAnswers);
 }
 
 std::uint32_t SetControllerSpeedWIM(NetworkConfiguration* config, eNetSpeed speed) {
     // No line rate on a radio link: the baud index is 0.
-    unsigned char answer[kShortAnswer] = {};
-    const int got = request(config, {kFrameSetSpeed, 0x00, static_cast<unsigned char>(static_cast<int>(speed))}, answer,
-                            kShortAnswer);
-    return got > 0 ? answer[0] : 255u;
+    return RequestControllerSpeed(exchangeWith(config), kAnswers, 0x00, speed);
 }
 
 std::uint32_t SetControllerIdleWIM(NetworkConfiguration* config) {
-    unsigned char answer[kShortAnswer] = {};
-    request(config, {kFrameIdle}, answer, kShortAnswer);
+    RequestControllerIdle(exchangeWith(config), kAnswers);
     return 0;
 }
 

@@ -34,4 +34,21 @@ void sendDynamicMasterClear(KavroModule& module) {
     protocolSleepMs(1);
 }
 
+std::string armDynamicMaster(KavroModule& module, eDynamicMasterMode masterMode, int numberOfModules,
+                             eDynamicRate rate, const std::string& complaint, std::atomic<bool>& armed) {
+    if (!complaint.empty()) return complaint;
+    const std::string failure = sendDynamicMasterSetup(module, masterMode, numberOfModules, rate);
+    // Half a set-up is undone: the module must not pace a bus nobody reads.
+    if (!failure.empty()) {
+        sendDynamicMasterClear(module);
+        return failure;
+    }
+    armed = true;
+    return "";
+}
+
+void disarmDynamicMaster(KavroModule& module, std::atomic<bool>& armed) {
+    if (armed.exchange(false)) sendDynamicMasterClear(module);
+}
+
 }  // namespace KavroLibrary

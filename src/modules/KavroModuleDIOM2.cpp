@@ -12,16 +12,8 @@ KavroModuleDIOM2::~KavroModuleDIOM2() = default;
 // Set-mode commands make the module the run's master (docs/design/protocol.md 1.2).
 std::string KavroModuleDIOM2::SetupDynamicMaster(int numberOfModules, int collectionSize, eDynamicRate rate) {
     if (!DynamicMasterCapable()) return KavroModule::SetupDynamicMaster(numberOfModules, collectionSize, rate);
-    const std::string complaint = ValidateDynamicMaster();
-    if (!complaint.empty()) return complaint;
-    const std::string failure = sendDynamicMasterSetup(*this, dynamicMasterMode_, numberOfModules, rate);
-    // Half a set-up is undone: the module must not pace a bus nobody reads.
-    if (!failure.empty()) {
-        sendDynamicMasterClear(*this);
-        return failure;
-    }
-    dynamicMasterArmed_ = true;
-    return "";
+    return armDynamicMaster(*this, dynamicMasterMode_, numberOfModules, rate, ValidateDynamicMaster(),
+                            dynamicMasterArmed_);
 }
 
 std::string KavroModuleDIOM2::ValidateDynamicMaster() {
@@ -35,10 +27,7 @@ std::string KavroModuleDIOM2::ValidateDynamicMaster() {
     return "";
 }
 
-void KavroModuleDIOM2::ClearDynamicMaster() {
-    if (!dynamicMasterArmed_.exchange(false)) return;
-    sendDynamicMasterClear(*this);
-}
+void KavroModuleDIOM2::ClearDynamicMaster() { disarmDynamicMaster(*this, dynamicMasterArmed_); }
 
 void KavroModuleDIOM2::LoadXML(std::map<std::string, std::string> settings) {
     KavroModuleDIOMBase::LoadXML(settings);

@@ -12,16 +12,8 @@ KavroModuleEIM::~KavroModuleEIM() = default;
 // Set-mode commands make the module the run's master (docs/design/protocol.md 1.2).
 std::string KavroModuleEIM::SetupDynamicMaster(int numberOfModules, int collectionSize, eDynamicRate rate) {
     if (!DynamicMasterCapable()) return KavroModule::SetupDynamicMaster(numberOfModules, collectionSize, rate);
-    const std::string complaint = ValidateDynamicMaster();
-    if (!complaint.empty()) return complaint;
-    const std::string failure = sendDynamicMasterSetup(*this, dynamicMasterMode_, numberOfModules, rate);
-    // Half a set-up is undone: the module must not pace a bus nobody reads.
-    if (!failure.empty()) {
-        sendDynamicMasterClear(*this);
-        return failure;
-    }
-    dynamicMasterArmed_ = true;
-    return "";
+    return armDynamicMaster(*this, dynamicMasterMode_, numberOfModules, rate, ValidateDynamicMaster(),
+                            dynamicMasterArmed_);
 }
 
 std::string KavroModuleEIM::ValidateDynamicMaster() {
@@ -36,10 +28,7 @@ std::string KavroModuleEIM::ValidateDynamicMaster() {
     return "";
 }
 
-void KavroModuleEIM::ClearDynamicMaster() {
-    if (!dynamicMasterArmed_.exchange(false)) return;
-    sendDynamicMasterClear(*this);
-}
+void KavroModuleEIM::ClearDynamicMaster() { disarmDynamicMaster(*this, dynamicMasterArmed_); }
 
 void KavroModuleEIM::LoadXML(std::map<std::string, std::string> settings) {
     KavroModuleEncoder::LoadXML(settings);
