@@ -6,6 +6,7 @@ PYBIND11_MODULE(_kavro, m) {
     kavro_python::bindEnums(m);
     kavro_python::bindErrors(m);
     kavro_python::bindModules(m);
+    kavro_python::bindWireless(m);
     kavro_python::bindModes(m);
     kavro_python::bindNetworks(m);
     kavro_python::bindServer(m);

@@ -18,6 +18,7 @@ void bindErrors(py::module_& m);
 void bindServer(py::module_& m);
 void bindNetworks(py::module_& m);
 void bindModules(py::module_& m);
+void bindWireless(py::module_& m);  // after bindModules
 void bindModes(py::module_& m);
 void bindDynamic(py::module_& m);  // after bindNetworks and bindServer
 void bindSimulator(py::module_& m);

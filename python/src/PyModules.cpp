@@ -17,7 +17,6 @@
 #include "KavroModuleLTA.h"
 #include "KavroModuleLTH.h"
 #include "KavroModuleStatus.h"
-#include "KavroModuleWCM.h"
 #include "ModuleBuffered.h"
 #include "ModuleDifference.h"
 #include "PyBindings.h"
@@ -173,8 +172,6 @@ void bindModules(py::module_& m) {
         .def("setMeasuringRate", onNetwork(&KavroModuleLT::setMeasuringRate), py::arg("rate"));
     py::class_<KavroModuleLTA, KavroModuleLT>(m, "KavroModuleLTA");
     py::class_<KavroModuleLTH, KavroModuleLT>(m, "KavroModuleLTH");
-
-    py::class_<KavroModuleWCM, KavroModule>(m, "KavroModuleWCM");
 }
 
 }  // namespace kavro_python
