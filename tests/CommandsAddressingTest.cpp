@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLink.h"
+#include "NetworkTestSupport.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;
-using Bytes = FakeLink::Bytes;
+using Bytes = FakeModuleBus::Bytes;
 
 namespace {
 
@@ -22,19 +22,19 @@ Bytes withEcho(char echo, const std::string& text) {
 
 TEST(CommandsAddressing, SetAddressWaitsBeforeFetchingAndPadsAShortIdentity) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'S', 0x07});
     EXPECT_EQ(0x07, KavroCommands::KavroSetAddr(&config, "AB12345678", 4).Value);
-    EXPECT_GE(link.fetches().front().At - link.lastCommand().At, std::chrono::milliseconds(70));
+    EXPECT_GE(link.fetches.front().At - link.sent.back().At, std::chrono::milliseconds(70));
 
     link.reply({'S'});
     EXPECT_EQ(0, KavroCommands::KavroSetAddr(&config, "AB", 1).Value);
-    EXPECT_EQ((Bytes{'S', 1, 'A', 'B', 0, 0, 0, 0, 0, 0, 0, 0, 0}), link.lastCommand().Data);
+    EXPECT_EQ((Bytes{'S', 1, 'A', 'B', 0, 0, 0, 0, 0, 0, 0, 0, 0}), link.commands.back());
 }
 
 TEST(CommandsAddressing, NotifyAndProbeIdTakeOnlyAFullIdentity) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply(withEcho('N', "ABCDEFGHIJ"));
     EXPECT_EQ("ABCDEFGHIJ", KavroCommands::KavroNotify(&config).IdentityText());
     link.reply(withEcho('i', "0123456789"));
@@ -49,7 +49,7 @@ TEST(CommandsAddressing, NotifyAndProbeIdTakeOnlyAFullIdentity) {
 
 TEST(CommandsAddressing, IdentifySplitsItsFieldsAndShowsARefusal) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     Bytes reply = withEcho('I', "ABCDEFGHIJP630101ADP  1.50 ");
     reply.push_back(0x2C);  // 300 mm, little-endian
     reply.push_back(0x01);
@@ -69,7 +69,7 @@ TEST(CommandsAddressing, IdentifySplitsItsFieldsAndShowsARefusal) {
 
 TEST(CommandsAddressing, GetInfoLeavesBlanksWhenRefusedOrCut) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     const std::string info = " mm    8192.0000.000030     00 1";
     Bytes reply = withEcho('B', "DP  ");
     reply.insert(reply.end(), {150, 0, 0x34, 0x12});
@@ -97,7 +97,7 @@ TEST(CommandsAddressing, GetInfoLeavesBlanksWhenRefusedOrCut) {
 
 TEST(CommandsAddressing, PingTakesAnyAnswerWithAHighByteFirstChecksum) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     Bytes reply = withEcho(':', "ABCDEFGHIJ");
     reply.insert(reply.end(), {0xFC, 0xDE});
     link.reply(reply);

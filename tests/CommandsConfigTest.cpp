@@ -4,12 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLink.h"
+#include "NetworkTestSupport.h"
 #include "MessageOf.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;
-using Bytes = FakeLink::Bytes;
+using Bytes = FakeModuleBus::Bytes;
 
 namespace {
 
@@ -29,12 +29,12 @@ Bytes readReply(const Bytes& data, int checkSumSkew = 0) {
 
 TEST(CommandsConfig, WriteBuildsAChecksummedBlockAndRefusesOversize) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     unsigned char data[32];
     for (int i = 0; i < 32; ++i) data[i] = static_cast<unsigned char>(0xE0 + i);
     link.reply({'b', 0x07});
     EXPECT_EQ(0x07, KavroCommands::KavroConfigWrite(&config, 9, 0x1234, 0xABCD, data, 32).Value);
-    Bytes sent = link.lastCommand().Data;
+    Bytes sent = link.commands.back();
     ASSERT_EQ(41u, sent.size());
     EXPECT_EQ((Bytes{'b', 9, 0x34, 0x12, 0xCD, 0xAB, 32}), Bytes(sent.begin(), sent.begin() + 7));
     EXPECT_EQ(Bytes(data, data + 32), Bytes(sent.begin() + 7, sent.begin() + 39));
@@ -45,22 +45,22 @@ TEST(CommandsConfig, WriteBuildsAChecksummedBlockAndRefusesOversize) {
     // A partial block is zero padded; only a two-byte reply carries the value.
     link.reply({'b', 0x07, 0x00});
     EXPECT_EQ(0, KavroCommands::KavroConfigWrite(&config, 9, 1, 0, data, 3).Value);
-    sent = link.lastCommand().Data;
+    sent = link.commands.back();
     EXPECT_EQ(3, sent[6]);
     EXPECT_EQ(Bytes(29, 0), Bytes(sent.begin() + 10, sent.begin() + 39));
 
-    const std::size_t sentBefore = link.commandCount();
+    const std::size_t sentBefore = link.commands.size();
     unsigned char tooMany[33] = {};
     EXPECT_EQ("KavroConfigWrite data bytes exceeded",
               messageOf([&] { KavroCommands::KavroConfigWrite(&config, 9, 1, 0, tooMany, 33); }));
     EXPECT_THROW(KavroCommands::KavroConfigWrite_String(&config, 9, 1, std::string(33, 'x')), std::runtime_error);
     EXPECT_THROW(KavroCommands::KavroConfigWrite(&config, 9, 1, 0, nullptr, -1), std::runtime_error);
-    EXPECT_EQ(sentBefore, link.commandCount());
+    EXPECT_EQ(sentBefore, link.commands.size());
 }
 
 TEST(CommandsConfig, ReadTakesOnlyWholeBlocksAndFlagsABadCheckSum) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     // A full block: the checksum covers every data byte up to the last.
     Bytes full(32);
     for (int i = 0; i < 32; ++i) full[i] = static_cast<unsigned char>(0xC0 + i);
@@ -91,7 +91,7 @@ TEST(CommandsConfig, ReadTakesOnlyWholeBlocksAndFlagsABadCheckSum) {
 
 TEST(CommandsConfig, TypedReadsNeedTheirWidthAndWritesSendIt) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     int asInt = -1;
     link.reply(readReply({0x78, 0x56, 0x34, 0x12}));
     EXPECT_EQ(0u, KavroCommands::KavroConfigRead_Int(&config, 1, 2, asInt));
@@ -116,7 +116,7 @@ TEST(CommandsConfig, TypedReadsNeedTheirWidthAndWritesSendIt) {
     EXPECT_EQ("WHT ", KavroCommands::KavroConfigRead_String(&config, 1, 1003));
 
     const auto payload = [&link] {
-        const Bytes data = link.lastCommand().Data;
+        const Bytes data = link.commands.back();
         return Bytes(data.begin() + 7, data.begin() + 7 + data[6]);
     };
     KavroCommands::KavroConfigWrite_UInt16(&config, 3, 1, 0xABCD);

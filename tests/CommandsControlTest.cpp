@@ -2,23 +2,23 @@
 // preset, reference mark and status.
 #include <gtest/gtest.h>
 
-#include "FakeLink.h"
+#include "NetworkTestSupport.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;
-using Bytes = FakeLink::Bytes;
+using Bytes = FakeModuleBus::Bytes;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 TEST(CommandsControl, ClearPausesOnlyWhenAnswered) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'C', 0x01});
     Clock::time_point start = Clock::now();
     EXPECT_EQ(0x01, KavroCommands::KavroClr(&config, 6).Value);
     EXPECT_GE(Clock::now() - start, milliseconds(500));
 
-    link.noReply(255);
+    link.reply({}, 255);
     start = Clock::now();
     KavroCommands::KavroClr(&config, 6);
     EXPECT_LT(Clock::now() - start, milliseconds(400));
@@ -31,7 +31,7 @@ TEST(CommandsControl, ClearPausesOnlyWhenAnswered) {
 
 TEST(CommandsControl, BroadcastsFetchNothingAndKeepTheirPauses) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     Clock::time_point start = Clock::now();
     KavroCommands::KavroRst(&config);
     EXPECT_GE(Clock::now() - start, milliseconds(500));
@@ -42,29 +42,26 @@ TEST(CommandsControl, BroadcastsFetchNothingAndKeepTheirPauses) {
     KavroCommands::KavroStartDiff(&config);
     KavroCommands::KavroStopDiff(&config);
 
-    const std::vector<FakeLink::Command> sent = link.commands();
     const std::vector<Bytes> expected{{'R', 0}, {'r', 0}, {'W', 0, 10}, {'O', 0}, {'H', 0}};
-    ASSERT_EQ(expected.size(), sent.size());
-    for (std::size_t i = 0; i < sent.size(); ++i) {
-        EXPECT_EQ(1, sent[i].Type) << i;
-        EXPECT_EQ(0, sent[i].ReplyLength) << i;
-        EXPECT_EQ(static_cast<int>(expected[i].size()), sent[i].Length) << i;
-        EXPECT_EQ(expected[i], sent[i].Data) << i;
+    EXPECT_EQ(expected, link.commands);
+    for (const FakeModuleBus::Sent& sent : link.sent) {
+        EXPECT_EQ(1, sent.Type);
+        EXPECT_EQ(0, sent.ReplyLength);
     }
-    EXPECT_TRUE(link.fetches().empty());
+    EXPECT_TRUE(link.fetches.empty());
 }
 
 TEST(CommandsControl, SetModeSendsLow16BitsOfModeAndArgument) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'V', 0x05});
     EXPECT_EQ(0x05, KavroCommands::KavroSetMode(&config, 2, eSetModeMode::TxSample, 0x1FFFF).Value);
-    EXPECT_EQ((Bytes{'V', 2, 77, 0, 0xFF, 0xFF}), link.lastCommand().Data);
+    EXPECT_EQ((Bytes{'V', 2, 77, 0, 0xFF, 0xFF}), link.commands.back());
 }
 
 TEST(CommandsControl, PresetRefMarkAndStatusCheckTheirReplies) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'P', 0x02});
     const KavroCheckedValueResult preset = KavroCommands::KavroPreset(&config, 4, 1);
     EXPECT_EQ(0u, preset.ModuleError);

@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLink.h"
+#include "NetworkTestSupport.h"
 #include "MessageOf.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;
-using Bytes = FakeLink::Bytes;
+using Bytes = FakeModuleBus::Bytes;
 
 namespace {
 
@@ -36,12 +36,12 @@ Bytes rxReply(unsigned char flags, const std::string& text) {
 
 TEST(CommandsPipe, BlocksAreChecksummedBothWays) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     unsigned char data[32];
     for (int i = 0; i < 32; ++i) data[i] = static_cast<unsigned char>(0xF0 - i);
     link.reply({'-', 32});
     EXPECT_EQ(32, KavroCommands::KavroPipeSend32(&config, 6, data, 32).Value);
-    const Bytes sent = link.lastCommand().Data;
+    const Bytes sent = link.commands.back();
     ASSERT_EQ(37u, sent.size());
     EXPECT_EQ((Bytes{'-', 6, 32}), Bytes(sent.begin(), sent.begin() + 3));
     EXPECT_EQ(Bytes(data, data + 32), Bytes(sent.begin() + 3, sent.begin() + 35));
@@ -49,10 +49,10 @@ TEST(CommandsPipe, BlocksAreChecksummedBothWays) {
     for (int i = 0; i < 35; ++i) sum += sent[i];
     EXPECT_EQ(0u, (sum + (sent[35] | (sent[36] << 8))) & 0xFFFF);
 
-    const std::size_t before = link.commandCount();
+    const std::size_t before = link.commands.size();
     const unsigned char big[33] = {};
     EXPECT_EQ("Payload Length Too Long", messageOf([&] { KavroCommands::KavroPipeSend32(&config, 6, big, 33); }));
-    EXPECT_EQ(before, link.commandCount());
+    EXPECT_EQ(before, link.commands.size());
 
     link.reply(pipeReply(Bytes(data, data + 32)));
     EXPECT_EQ(Bytes(data, data + 32), KavroCommands::KavroPipeReceive32(&config, 6).Data);
@@ -62,17 +62,17 @@ TEST(CommandsPipe, BlocksAreChecksummedBothWays) {
 
 TEST(CommandsPassThrough, TextGoesOutWithItsLengthAndComesBackSoFar) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'d', 0x01});
     EXPECT_EQ(0x01, KavroCommands::KavroPassThroughTx(&config, 4, 2, "x").Value);
     link.reply({'d', 0x00});
     KavroCommands::KavroPassThroughTx(&config, 4, 2, std::string(128, 'a'));
-    EXPECT_EQ(132, link.lastCommand().Length);
-    EXPECT_EQ(128, link.lastCommand().Data[3]);
-    const std::size_t before = link.commandCount();
+    EXPECT_EQ(132, static_cast<int>(link.commands.back().size()));
+    EXPECT_EQ(128, link.commands.back()[3]);
+    const std::size_t before = link.commands.size();
     EXPECT_EQ("Command cannot be > 128 characters",
               messageOf([&] { KavroCommands::KavroPassThroughTx(&config, 4, 2, std::string(129, 'a')); }));
-    EXPECT_EQ(before, link.commandCount());
+    EXPECT_EQ(before, link.commands.size());
 
     link.reply(rxReply(0x00, "Bat"));
     const KavroPassThroughRxResult partial = KavroCommands::KavroPassThroughRx(&config, 4, 1);

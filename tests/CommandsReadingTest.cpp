@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLink.h"
+#include "NetworkTestSupport.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;
-using Bytes = FakeLink::Bytes;
+using Bytes = FakeModuleBus::Bytes;
 
 namespace {
 
@@ -27,7 +27,7 @@ void appendLE(Bytes& bytes, std::uint64_t value, int width) {
 
 TEST(CommandsReading, SingleAndDifferenceReadsTakeLittleEndianValues) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'1', 0x34, 0x12});
     EXPECT_EQ(0x1234, KavroCommands::KavroRead1(&config, 3).Reading);
     link.reply({'!', 0x07});
@@ -53,17 +53,17 @@ TEST(CommandsReading, SingleAndDifferenceReadsTakeLittleEndianValues) {
 
 TEST(CommandsReading, ReadburstAsksLongRepliesPastSixtyTwoModulesAndDropsTheEcho) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     KavroCommands::Readburst(&config, 62);
-    EXPECT_EQ(249, link.lastCommand().ReplyLength);
-    EXPECT_FALSE(link.fetches().back().LongReply);
+    EXPECT_EQ(249, link.sent.back().ReplyLength);
+    EXPECT_FALSE(link.fetches.back().LongReply);
 
     Bytes reply{'T'};
     for (int i = 0; i < 63 * 4; ++i) reply.push_back(static_cast<unsigned char>(i));
     link.reply(reply);
     KavroReadburstResult burst = KavroCommands::Readburst(&config, 63);
-    EXPECT_EQ(253, link.lastCommand().ReplyLength);
-    EXPECT_TRUE(link.fetches().back().LongReply);
+    EXPECT_EQ(253, link.sent.back().ReplyLength);
+    EXPECT_TRUE(link.fetches.back().LongReply);
     ASSERT_EQ(252, burst.DataLength);
     EXPECT_EQ(0, std::memcmp(reply.data() + 1, burst.Data, 252));
     delete[] burst.Data;
@@ -76,7 +76,7 @@ TEST(CommandsReading, ReadburstAsksLongRepliesPastSixtyTwoModulesAndDropsTheEcho
 
 TEST(CommandsReading, BufferedReadOutChecksItsBlock) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply(withCheckSum({'Q', 3, 0x01, 0x00, 0x00, 0x80, 0xFF, 0xFF}));
     const KavroReadBufferedResult good = KavroCommands::KavroReadBuffered1(&config, 5);
     EXPECT_EQ(0u, good.ErrorCode());
@@ -100,22 +100,22 @@ TEST(CommandsReading, BufferedReadOutChecksItsBlock) {
 
 TEST(CommandsReading, MemoryReadKeepsTheWholeReplyAndRefusesABadCount) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply({'M', 0x10, 0x00});
     EXPECT_EQ((std::vector<unsigned char>{'M', 0x10, 0x00}),
               KavroCommands::KavroReadMemory(&config, 3, 0x0801F076u, 2).Reply);
     KavroCommands::KavroReadMemory(&config, 3, 0, 250);
-    EXPECT_TRUE(link.fetches().back().LongReply);
+    EXPECT_TRUE(link.fetches.back().LongReply);
 
-    const std::size_t sentBefore = link.commandCount();
+    const std::size_t sentBefore = link.commands.size();
     EXPECT_THROW(KavroCommands::KavroReadMemory(&config, 3, 0, 256), std::runtime_error);
     EXPECT_THROW(KavroCommands::KavroReadMemory(&config, 3, 0, -1), std::runtime_error);
-    EXPECT_EQ(sentBefore, link.commandCount());
+    EXPECT_EQ(sentBefore, link.commands.size());
 }
 
 TEST(CommandsReading, MultiChannelReadDecodesRecords) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     // Two channels in 10^-7 units, 1.2345678 and -0.5; the second overflowed.
     Bytes reply{'a', 2, 2, 0x05, 0x00, 1, 0};
     appendLE(reply, 2, 2);

@@ -9,11 +9,11 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLink.h"
+#include "NetworkTestSupport.h"
 #include "commands/KavroCommands.h"
 
 using namespace KavroLibrary;
-using Bytes = FakeLink::Bytes;
+using Bytes = FakeModuleBus::Bytes;
 
 namespace {
 
@@ -98,9 +98,14 @@ struct Outcome {
     std::string Thrown;
 };
 
-Outcome run(const Row& row, const FakeLink::Reply& reply) {
+struct Reply {
+    std::uint32_t Status = 0;
+    Bytes Data;
+};
+
+Outcome run(const Row& row, const Reply& reply) {
     NetworkConfiguration config(0, "net");
-    FakeLink link(config);
+    FakeModuleBus link(&config);
     link.reply(reply.Data, reply.Status);
     Outcome outcome;
     try {
@@ -117,22 +122,21 @@ Outcome run(const Row& row, const FakeLink::Reply& reply) {
 TEST(CommandsTable, EveryCommandGoesOutByteExactAndFetchesOnce) {
     for (const Row& row : rows()) {
         NetworkConfiguration config(0, "net");
-        FakeLink link(config);
+        FakeModuleBus link(&config);
         try {
             row.Run(&config);
         } catch (const std::runtime_error&) {
             // The silent bus times the pass-through receive out; its bytes went all the same.
         }
-        ASSERT_EQ(1u, link.commandCount()) << row.Name;
-        const FakeLink::Command sent = link.lastCommand();
-        EXPECT_EQ(row.Type, sent.Type) << row.Name;
-        EXPECT_EQ(row.ReplyLength, sent.ReplyLength) << row.Name;
+        ASSERT_EQ(1u, link.commands.size()) << row.Name;
+        EXPECT_EQ(row.Type, link.sent.back().Type) << row.Name;
+        EXPECT_EQ(row.ReplyLength, link.sent.back().ReplyLength) << row.Name;
         if (!row.Sent.empty()) {
-            EXPECT_EQ(row.Sent, sent.Data) << row.Name;
+            EXPECT_EQ(row.Sent, link.commands.back()) << row.Name;
         }
-        ASSERT_EQ(1u, link.fetches().size()) << row.Name;
-        EXPECT_EQ(row.EchoArgument, link.fetches().front().Echo) << row.Name;
-        EXPECT_FALSE(link.fetches().front().LongReply) << row.Name;
+        ASSERT_EQ(1u, link.fetches.size()) << row.Name;
+        EXPECT_EQ(row.EchoArgument, link.fetches.front().Echo) << row.Name;
+        EXPECT_FALSE(link.fetches.front().LongReply) << row.Name;
     }
 }
 

@@ -60,7 +60,7 @@ FakeModuleBus::FakeModuleBus(NetworkConfiguration* config) : config_(config) {
     config->Identify = identify;
     config->GetInfo = getInfo;
     config->SendCommand = send;
-    config->GetReply = reply;
+    config->GetReply = fetch;
     config->SetSpeed = setSpeed;
     config->SetIdle = setIdle;
 }
@@ -99,6 +99,8 @@ FakeModule* FakeModuleBus::withIdentity(const std::string& identity) {
 
 void FakeModuleBus::clearRecords() {
     commands.clear();
+    sent.clear();
+    fetches.clear();
     speedRequests.clear();
 }
 
@@ -158,17 +160,30 @@ void FakeModuleBus::send(NetworkConfiguration* config, ModuleCommand* command) {
     if (bus == nullptr) return;
     Bytes bytes(command->Data, command->Data + command->Length);
     bus->commands.push_back(bytes);
+    bus->sent.push_back({command->Type, command->ReplyLength, Clock::now()});
     bus->pending_ = bus->answer(bytes);
     if (command->Type == CommandWithoutReply) bus->pending_.reset();
 }
 
-ModuleReply FakeModuleBus::reply(NetworkConfiguration* config, unsigned char, bool) {
+ModuleReply FakeModuleBus::fetch(NetworkConfiguration* config, unsigned char echo, bool longReply) {
     ModuleReply result;
     FakeModuleBus* bus = find(config);
-    if (bus == nullptr || !bus->pending_) return result;
-    const Bytes bytes = *bus->pending_;
-    bus->pending_.reset();
-    result.Status = 0;
+    if (bus == nullptr) return result;
+    bus->fetches.push_back({echo, longReply, Clock::now()});
+    Bytes bytes;
+    if (!bus->script_.empty()) {
+        result.Status = bus->script_.front().first;
+        bytes = std::move(bus->script_.front().second);
+        bus->script_.pop_front();
+        bus->pending_.reset();
+        if (bytes.empty()) return result;
+    } else if (bus->pending_) {
+        bytes = *bus->pending_;
+        bus->pending_.reset();
+        result.Status = 0;
+    } else {
+        return result;
+    }
     result.Length = static_cast<std::uint32_t>(bytes.size());
     result.Data = new unsigned char[bytes.size()];
     std::memcpy(result.Data, bytes.data(), bytes.size());

@@ -1,9 +1,12 @@
 // A bus of pretend modules behind a pretend controller, installed in a
-// network's link table: it records every command and answers as the modules
-// described in docs/design/protocol.md would.
+// network's link table: it records every command and reply fetch, and
+// answers as the modules described in docs/design/protocol.md would, or with
+// the replies a test scripts (malformed ones too).
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -71,6 +74,17 @@ private:
 class FakeModuleBus {
 public:
     using Bytes = std::vector<unsigned char>;
+    using Clock = std::chrono::steady_clock;
+    struct Sent {
+        int Type = 0;
+        int ReplyLength = 0;
+        Clock::time_point At;
+    };
+    struct Fetch {
+        unsigned char Echo = 0;
+        bool LongReply = false;
+        Clock::time_point At;
+    };
 
     explicit FakeModuleBus(KavroLibrary::NetworkConfiguration* config);
     ~FakeModuleBus();
@@ -91,8 +105,16 @@ public:
     FakeModule* at(int address);
     FakeModule* withIdentity(const std::string& identity);
 
-    // Every module command's bytes, in order; controller speed requests.
+    // Replies answered in order before any module's: a status and the bytes
+    // (none: no buffer, as a silent link gives).
+    void reply(Bytes data, std::uint32_t status = 0) { script_.push_back({status, std::move(data)}); }
+    std::size_t pendingReplies() const { return script_.size(); }
+
+    // Every module command's bytes, in order, with its kind and reply length
+    // in `sent`; every reply fetch; controller speed requests.
     std::vector<Bytes> commands;
+    std::vector<Sent> sent;
+    std::vector<Fetch> fetches;
     std::vector<KavroLibrary::eNetSpeed> speedRequests;
     void clearRecords();
     // The commands whose code is `code`.
@@ -109,7 +131,7 @@ private:
     static KavroLibrary::ControllerIdentifyReply identify(KavroLibrary::NetworkConfiguration* config);
     static KavroLibrary::ControllerInfoReply getInfo(KavroLibrary::NetworkConfiguration* config);
     static void send(KavroLibrary::NetworkConfiguration* config, KavroLibrary::ModuleCommand* command);
-    static KavroLibrary::ModuleReply reply(KavroLibrary::NetworkConfiguration* config, unsigned char, bool);
+    static KavroLibrary::ModuleReply fetch(KavroLibrary::NetworkConfiguration* config, unsigned char echo, bool longReply);
     static std::uint32_t setSpeed(KavroLibrary::NetworkConfiguration* config, KavroLibrary::eNetSpeed speed);
     static std::uint32_t setIdle(KavroLibrary::NetworkConfiguration* config);
 
@@ -117,6 +139,7 @@ private:
 
     KavroLibrary::NetworkConfiguration* config_;
     std::optional<Bytes> pending_;
+    std::deque<std::pair<std::uint32_t, Bytes>> script_;
 };
 
 // A base network over the fake bus (not yet connected).
