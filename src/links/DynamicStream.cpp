@@ -2,10 +2,10 @@
 
 #include <memory>
 #include <stdexcept>
-#include <system_error>
 
 #include "KavroDynamic.h"
 #include "core/Diagnostics.h"
+#include "core/JoinOrRelease.h"
 #include "links/LinkDispatch.h"
 #include "modes/DynamicDecoding.h"
 
@@ -17,18 +17,6 @@ constexpr int kRetryBudget = 2;  // per run, never refilled
 constexpr int kBadPackets = 243;
 constexpr int kLinkLost = 255;
 constexpr int kOverflow = 252;
-
-void joinOrRelease(std::thread& thread) noexcept {
-    if (!thread.joinable()) return;
-    try {
-        if (thread.get_id() == std::this_thread::get_id()) {
-            thread.detach();
-        } else {
-            thread.join();
-        }
-    } catch (const std::system_error&) {
-    }
-}
 
 void finishRead(NetworkConfiguration* config) noexcept {
     {

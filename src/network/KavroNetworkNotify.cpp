@@ -8,6 +8,7 @@
 #include "KavroNetwork.h"
 #include "commands/KavroCommands.h"
 #include "core/Diagnostics.h"
+#include "core/JoinOrRelease.h"
 #include "links/NetworkConfiguration.h"
 #include "network/NotificationGate.h"
 
@@ -21,11 +22,19 @@ constexpr std::chrono::milliseconds kCancelPoll{100};
 
 bool isNotificationCode(int operation) { return operation == OperationNotifying || operation == OperationNotifyEnding; }
 
+// Joins an ended notification thread (on the thread itself, a callback of
+// its own addition, it is let go: it holds the gate it touches last).
+void joinNotificationThread(NotificationGate& gate) {
+    std::lock_guard<std::mutex> guard(gate.joinLock);
+    joinOrRelease(gate.thread);
+}
+
 }  // namespace
 
 void KavroNetwork::BeginNotifying() {
-    // A notification still ending uses the link until it is done.
-    if (config_->ActiveOperation == OperationNotifyEnding) waitForNotificationEnd();
+    // A notification still ending uses the link until it is done; one that
+    // ended on its own is joined.
+    if (config_->ActiveOperation != OperationNotifying) waitForNotificationEnd();
     // Not connected: the speed change below says so.
     if (config_->ActiveOperation != OperationIdle) {
         throw std::runtime_error("Network must be connected and idle before commencing an Kavro Identify");
@@ -33,7 +42,13 @@ void KavroNetwork::BeginNotifying() {
     const eNetSpeed restoreSpeed = config_->NetSpeed;
     setNetSpeed(eNetSpeed::Low);
     config_->ActiveOperation = OperationNotifying;
-    std::thread(&KavroNetwork::NotifyProcess, this, restoreSpeed).detach();
+    std::lock_guard<std::mutex> guard(notificationGate_->joinLock);
+    try {
+        notificationGate_->thread = std::thread(&KavroNetwork::NotifyProcess, this, restoreSpeed);
+    } catch (...) {
+        config_->ActiveOperation = OperationIdle;
+        throw;
+    }
 }
 
 void KavroNetwork::NotifyProcess(eNetSpeed restoreSpeed) {
@@ -73,17 +88,18 @@ bool KavroNetwork::Notifying() const { return config_->Connected && isNotificati
 
 void KavroNetwork::CancelNotifying() {
     int running = OperationNotifying;
-    if (config_->ActiveOperation.compare_exchange_strong(running, OperationNotifyEnding) ||
-        running == OperationNotifyEnding) {
-        waitForNotificationEnd();
-    }
+    config_->ActiveOperation.compare_exchange_strong(running, OperationNotifyEnding);
+    waitForNotificationEnd();
 }
 
 void KavroNetwork::waitForNotificationEnd() {
-    std::unique_lock<std::mutex> guard(notificationGate_->lock);
-    while (isNotificationCode(config_->ActiveOperation)) {
-        notificationGate_->ended.wait_for(guard, kCancelPoll);
+    {
+        std::unique_lock<std::mutex> guard(notificationGate_->lock);
+        while (isNotificationCode(config_->ActiveOperation)) {
+            notificationGate_->ended.wait_for(guard, kCancelPoll);
+        }
     }
+    joinNotificationThread(*notificationGate_);
 }
 
 }  // namespace KavroLibrary
