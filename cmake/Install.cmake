@@ -64,9 +64,21 @@ install(FILES data/udev/60-kavro-usbim.rules
     DESTINATION lib/udev/rules.d
     COMPONENT tools)
 
-# Manual pages of the tools; a tool installs its own page with COMPONENT tools.
+# Manual pages of the tools, compressed as Debian installs them.
+function(kavro_install_man page)
+    get_filename_component(name ${page} NAME)
+    set(compressed ${PROJECT_BINARY_DIR}/man/${name}.gz)
+    add_custom_command(OUTPUT ${compressed}
+        COMMAND ${CMAKE_COMMAND} -E copy ${page} ${PROJECT_BINARY_DIR}/man/${name}
+        COMMAND gzip -9nf ${PROJECT_BINARY_DIR}/man/${name}
+        DEPENDS ${page} VERBATIM)
+    add_custom_target(man-${name} ALL DEPENDS ${compressed})
+    install(FILES ${compressed} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+endfunction()
+
 if(TARGET kavro-sim)
-    install(FILES data/man/kavro-sim.1
-        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-        COMPONENT tools)
+    kavro_install_man(${PROJECT_SOURCE_DIR}/data/man/kavro-sim.1)
+endif()
+if(TARGET kavro)
+    kavro_install_man(${PROJECT_SOURCE_DIR}/tools/kavro/kavro.1)
 endif()

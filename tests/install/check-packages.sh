@@ -21,8 +21,8 @@ for package in libkavrolibrary1 libkavrolibrary-dev kavro-tools; do
 done
 
 # (set -e does not stop at a failing test inside an && list: one per line.)
-for file in usr/share/kavrolinuxlibrary/languages/ErrLang_en.dat usr/share/man/man1/kavro-sim.1 \
-    usr/lib/udev/rules.d/60-kavro-usbim.rules; do
+for file in usr/share/kavrolinuxlibrary/languages/ErrLang_en.dat usr/share/man/man1/kavro-sim.1.gz usr/share/man/man1/kavro.1.gz \
+    usr/share/bash-completion/completions/kavro usr/lib/udev/rules.d/60-kavro-usbim.rules; do
     test -f "$root/$file" || { echo "the packages lack /$file" >&2; exit 1; }
 done
 pc="$(find "$root" -name KavroLibrary.pc)"
