@@ -208,7 +208,8 @@ void bindWireless(py::module_& m) {
         .def("LED", onNetwork(&WHT_Limits::LED), WithoutGil())
         .def("setLED", onNetwork(&WHT_Limits::setLED), WithoutGil(), py::arg("led"))
         .def("BuzzerRate", onNetwork(&WHT_Limits::BuzzerRate), WithoutGil())
-        .def("setBuzzerRate", onNetwork(&WHT_Limits::setBuzzerRate), WithoutGil(), py::arg("rate"));
+        .def("setBuzzerRate", onNetwork(&WHT_Limits::setBuzzerRate), WithoutGil(), py::arg("rate"))
+        .def("State", onNetwork(&WHT_Limits::State), WithoutGil());
 
     py::class_<WHT_Limit>(m, "WHT_Limit")
         .def("Name", [](const WHT_Limit& limit) {

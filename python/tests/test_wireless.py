@@ -45,8 +45,11 @@ def test_tools_channels_and_settings(wcm):
     assert settings.LED1Function() is kavro.eWHT_M_LEDFunction.LowBatt
     single = devices[1].Settings()
     assert isinstance(single, kavro.WCM_DeviceSettings_WHT)
-    single.Limits().Upper().setValue(3.5)
-    assert single.Limits().Upper().Value() == pytest.approx(3.5)
+    upper = single.Limits().Upper()
+    upper.setValue(2.5)
+    upper.setEnabled(True)
+    assert upper.Value() == pytest.approx(2.5)
+    assert single.Limits().State() is kavro.eWCM_DeviceLimitState.Upper  # the tool reads 3
 
     # A tool that is not connected refuses with the library's message.
     with pytest.raises(RuntimeError, match="Unable to get reading"):
