@@ -55,7 +55,8 @@ void bindWireless(py::module_& m) {
     py::class_<sWCM_ChannelData>(m, "sWCM_ChannelData")
         .def_readonly("Text", &sWCM_ChannelData::Text)
         .def_readonly("Value", &sWCM_ChannelData::Value)
-        .def("__repr__", [](const sWCM_ChannelData& d) { return "<channel " + d.Text + ": " + std::to_string(d.Value) + ">"; });
+        .def("__repr__",
+             [](const sWCM_ChannelData& d) { return "<channel " + d.Text + ": " + std::to_string(d.Value) + ">"; });
     py::class_<sChannelReading>(m, "sChannelReading")
         .def_readonly("Channel", &sChannelReading::Channel)
         .def_readonly("Error", &sChannelReading::Error)
@@ -67,14 +68,15 @@ void bindWireless(py::module_& m) {
         });
 
     py::class_<KavroModuleWCM, KavroModule>(m, "KavroModuleWCM")
-        .def("Devices",
-             [](const KavroModuleWCM& wcm) {
-                 ensureModule(&wcm);
-                 WCM_Devices* devices = wcm.Devices();
-                 rememberPart(devices, &wcm);
-                 return devices;
-             },
-             owned)
+        .def(
+            "Devices",
+            [](const KavroModuleWCM& wcm) {
+                ensureModule(&wcm);
+                WCM_Devices* devices = wcm.Devices();
+                rememberPart(devices, &wcm);
+                return devices;
+            },
+            owned)
         .def("ScanDuration", onNetwork(&KavroModuleWCM::ScanDuration))
         .def("getScanDuration", onNetwork(&KavroModuleWCM::getScanDuration), WithoutGil())
         .def("UpdateFieldData", onNetwork(&KavroModuleWCM::UpdateFieldData), WithoutGil())
@@ -89,7 +91,8 @@ void bindWireless(py::module_& m) {
         .def("__iter__", [](const py::object& self) {
             // Through __getitem__, so that each tool keeps its slots alive.
             py::list all;
-            for (int i = 0; i < self.cast<const WCM_Devices&>().DeviceCount(); ++i) all.append(self.attr("__getitem__")(i));
+            for (int i = 0; i < self.cast<const WCM_Devices&>().DeviceCount(); ++i)
+                all.append(self.attr("__getitem__")(i));
             return py::iter(all);
         });
 
@@ -212,10 +215,11 @@ void bindWireless(py::module_& m) {
         .def("State", onNetwork(&WHT_Limits::State), WithoutGil());
 
     py::class_<WHT_Limit>(m, "WHT_Limit")
-        .def("Name", [](const WHT_Limit& limit) {
-            ensurePart(&limit);
-            return limit.Name();
-        })
+        .def("Name",
+             [](const WHT_Limit& limit) {
+                 ensurePart(&limit);
+                 return limit.Name();
+             })
         .def("Value", onNetwork(&WHT_Limit::Value), WithoutGil())
         .def("setValue", onNetwork(&WHT_Limit::setValue), WithoutGil(), py::arg("value"))
         .def("Enabled", onNetwork(&WHT_Limit::Enabled), WithoutGil())

@@ -90,7 +90,8 @@ int streamCommand(Tool& tool, const std::string& rate, long count, double durati
     // Every network streams its leading dynamic modules.
     for (KavroNetwork* network : tool.networks) {
         int leading = 0;
-        while (leading < network->ModuleCount() && network->GetModule(static_cast<unsigned>(leading))->DynamicCapable()) {
+        while (leading < network->ModuleCount() &&
+               network->GetModule(static_cast<unsigned>(leading))->DynamicCapable()) {
             ++leading;
         }
         if (modules > 0) leading = std::min(leading, modules);
@@ -134,8 +135,14 @@ int streamCommand(Tool& tool, const std::string& rate, long count, double durati
                 for (int m = 0; m < data.ModuleCount(); ++m) {
                     KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
                     const sReadingItem item = data.GetItem(m, set);
-                    writer.write({stamp, tool.label(i), module.Address(), module.ModuleID(), item.value,
-                                  module.UnitsOfMeasure(), statusText(item.error), {}});
+                    writer.write({stamp,
+                                  tool.label(i),
+                                  module.Address(),
+                                  module.ModuleID(),
+                                  item.value,
+                                  module.UnitsOfMeasure(),
+                                  statusText(item.error),
+                                  {}});
                 }
             }
             written[i] = available;

@@ -34,8 +34,9 @@ void emitRows(Tool& tool, const std::vector<std::string>& heading, const std::ve
     for (const auto& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            line += tool.format == Format::Csv ? (i ? "," : "") + csvField(row[i])
-                                               : std::string(i ? "," : "{") + jsonText(heading[i]) + ":" + jsonText(row[i]);
+            line += tool.format == Format::Csv
+                        ? (i ? "," : "") + csvField(row[i])
+                        : std::string(i ? "," : "{") + jsonText(heading[i]) + ":" + jsonText(row[i]);
         }
         std::fprintf(tool.out, "%s%s\n", line.c_str(), tool.format == Format::Json ? "}" : "");
     }
@@ -53,7 +54,8 @@ int scanCommand(Tool& tool) {
                         std::to_string(network.MaximumAllowableNumberOfModules()), speeds(network.AvailableSpeeds()),
                         yesNo(network.DynamicCapable() || network.Dynamic2Capable())});
     }
-    emitRows(tool, {"network", "description", "controller", "type", "firmware", "module_limit", "speeds", "dynamic"}, rows);
+    emitRows(tool, {"network", "description", "controller", "type", "firmware", "module_limit", "speeds", "dynamic"},
+             rows);
     return kSuccess;
 }
 
@@ -75,16 +77,18 @@ int infoCommand(Tool& tool) {
                             eGeneration_ToString(module.KavroGeneration()), module.Version(), capabilities});
         }
     }
-    emitRows(tool,
-             {"network", "address", "identity", "kind", "description", "units", "generation", "firmware",
-              "capabilities"},
-             rows);
+    emitRows(
+        tool,
+        {"network", "address", "identity", "kind", "description", "units", "generation", "firmware", "capabilities"},
+        rows);
     return kSuccess;
 }
 
 int speedCommand(Tool& tool, const std::string& speed) {
     if (!speed.empty()) {
-        const eNetSpeed wanted = speed == "low" ? eNetSpeed::Low : speed == "high" ? eNetSpeed::High : eNetSpeed::UltraHigh;
+        const eNetSpeed wanted = speed == "low"    ? eNetSpeed::Low
+                                 : speed == "high" ? eNetSpeed::High
+                                                   : eNetSpeed::UltraHigh;
         for (KavroNetwork* network : tool.networks) {
             if (!network->SpeedAvailable(wanted)) {
                 std::fprintf(stderr, "kavro: %s does not offer the speed %s\n", network->Description().c_str(),

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cmath>
 #include <functional>
+#include <map>
 
 #include "Tool.h"
 
@@ -11,28 +12,6 @@ namespace kavro_tool {
 using namespace KavroLibrary;
 
 namespace {
-
-// Runs `stop` on every network started so far when a later start (or
-// anything before the planned stop) fails: no network is left measuring.
-class StopOnFailure {
-public:
-    explicit StopOnFailure(std::function<void(KavroNetwork&)> stop) : stop_(std::move(stop)) {}
-    ~StopOnFailure() {
-        for (KavroNetwork* network : started_) {
-            try {
-                stop_(*network);
-            } catch (...) {
-                // The network is being given up; the first error is the one reported.
-            }
-        }
-    }
-    void started(KavroNetwork* network) { started_.push_back(network); }
-    void done() { started_.clear(); }
-
-private:
-    std::function<void(KavroNetwork&)> stop_;
-    std::vector<KavroNetwork*> started_;
-};
 
 // Difference and buffered mode take probes at 14 bit only; a probe that
 // cannot be set so is left out, with one line on standard error.
@@ -56,42 +35,68 @@ std::size_t indexOf(const Tool& tool, const KavroNetwork* network) {
     return 0;
 }
 
-void waitWithProgress(const char* mode, double duration) {
-    progress(std::string(mode) + ": measuring for " + std::to_string(duration) + " s");
+// One mode on every network with a module that takes it: `enable` sets a
+// module up (false: not this one), then each network starts, the run lasts
+// `duration` (Ctrl+C ends it early) and each network stops. A failure to
+// start stops the networks already started. Returns the networks that ran,
+// none (with one line on standard error) when no module took the mode.
+struct Mode {
+    const char* name;
+    std::function<bool(KavroModule&)> enable;
+    std::function<void(KavroNetwork&)> start, stop;
+};
+
+std::vector<KavroNetwork*> measure(Tool& tool, const Mode& mode, double duration) {
+    std::vector<KavroNetwork*> running;
+    try {
+        for (KavroNetwork* network : tool.networks) {
+            int enabled = 0;
+            for (int m = 0; m < network->ModuleCount(); ++m) {
+                if (mode.enable(*network->GetModule(static_cast<unsigned>(m)))) ++enabled;
+            }
+            if (enabled == 0) {
+                std::fprintf(stderr, "kavro: %s has no module for %s mode; left out\n", network->Description().c_str(),
+                             mode.name);
+                continue;
+            }
+            mode.start(*network);
+            running.push_back(network);
+        }
+    } catch (...) {
+        for (KavroNetwork* network : running) {
+            try {
+                mode.stop(*network);
+            } catch (...) {
+                // The first error is the one reported.
+            }
+        }
+        throw;
+    }
+    if (running.empty()) {
+        std::fprintf(stderr, "kavro: no module takes %s mode\n", mode.name);
+        return running;
+    }
+    progress(std::string(mode.name) + ": measuring for " + std::to_string(duration) + " s");
     pause(duration);
     progressDone();
+    for (KavroNetwork* network : running) mode.stop(*network);
+    return running;
 }
 
 }  // namespace
 
 int diffCommand(Tool& tool, double duration) {
     tool.findModules();
-    StopOnFailure guard([](KavroNetwork& network) { network.Difference()->Stop(); });
-    std::vector<KavroNetwork*> running;
-    for (KavroNetwork* network : tool.networks) {
-        int enabled = 0;
-        for (int m = 0; m < network->ModuleCount(); ++m) {
-            KavroModule& module = *network->GetModule(static_cast<unsigned>(m));
-            if (!module.DifferenceModeCapable() || !fourteenBit(module)) continue;
-            module.Difference()->setEnabled(true);
-            ++enabled;
-        }
-        if (enabled == 0) {
-            std::fprintf(stderr, "kavro: %s has no module for difference mode; left out\n",
-                         network->Description().c_str());
-            continue;
-        }
-        network->Difference()->Start();
-        guard.started(network);
-        running.push_back(network);
-    }
-    if (running.empty()) {
-        std::fprintf(stderr, "kavro: no module takes difference mode\n");
-        return kDeviceError;
-    }
-    waitWithProgress("diff", duration);
-    guard.done();
-    for (KavroNetwork* network : running) network->Difference()->Stop();
+    const Mode difference{"difference",
+                          [](KavroModule& module) {
+                              if (!module.DifferenceModeCapable() || !fourteenBit(module)) return false;
+                              module.Difference()->setEnabled(true);
+                              return true;
+                          },
+                          [](KavroNetwork& network) { network.Difference()->Start(); },
+                          [](KavroNetwork& network) { network.Difference()->Stop(); }};
+    const std::vector<KavroNetwork*> running = measure(tool, difference, duration);
+    if (running.empty()) return kDeviceError;
 
     RecordWriter writer(tool.out, tool.format, {"min", "max"});
     int failures = 0;
@@ -101,8 +106,13 @@ int diffCommand(Tool& tool, double duration) {
             KavroModule& module = *network->GetModule(static_cast<unsigned>(m));
             const ModuleDifference* result = module.Difference();
             if (result == nullptr || !result->Enabled()) continue;
-            Record record{stamp, tool.label(indexOf(tool, network)), module.Address(), module.ModuleID(),
-                          result->Diff(), module.UnitsOfMeasure(), statusText(result->Error()),
+            Record record{stamp,
+                          tool.label(indexOf(tool, network)),
+                          module.Address(),
+                          module.ModuleID(),
+                          result->Diff(),
+                          module.UnitsOfMeasure(),
+                          statusText(result->Error()),
                           {result->Min(), result->Max()}};
             if (result->Error() != eKavroErrors::NoError) ++failures;
             writer.write(record);
@@ -115,36 +125,24 @@ int diffCommand(Tool& tool, double duration) {
 int bufferedCommand(Tool& tool, double interval, double duration) {
     tool.findModules();
     const int microseconds = static_cast<int>(std::lround(interval * 1e6));
-    StopOnFailure guard([](KavroNetwork& network) { network.Buffered()->Stop(); });
-    std::vector<KavroNetwork*> running;
-    for (KavroNetwork* network : tool.networks) {
-        int enabled = 0;
-        for (int m = 0; m < network->ModuleCount(); ++m) {
-            KavroModule& module = *network->GetModule(static_cast<unsigned>(m));
-            if (!module.BufferedCapable() || !fourteenBit(module)) continue;
-            ModuleBuffered& buffered = *module.Buffered();
-            buffered.setMode(eBufferedMode::Sync);  // every module reads at the same instants
-            buffered.setReadingInterval(microseconds);
-            buffered.setEnabled(true);
-            ++enabled;
-        }
-        if (enabled == 0) {
-            std::fprintf(stderr, "kavro: %s has no module for buffered mode; left out\n",
-                         network->Description().c_str());
-            continue;
-        }
-        network->Buffered()->Start();
-        guard.started(network);
-        running.push_back(network);
-    }
-    if (running.empty()) {
-        std::fprintf(stderr, "kavro: no module takes buffered mode\n");
-        return kDeviceError;
-    }
-    const auto start = std::chrono::system_clock::now();
-    waitWithProgress("buffered", duration);
-    guard.done();
-    for (KavroNetwork* network : running) network->Buffered()->Stop();  // stops and empties each module
+    std::map<KavroNetwork*, std::chrono::system_clock::time_point> started;  // each network's first reading
+    const Mode mode{"buffered",
+                    [microseconds](KavroModule& module) {
+                        if (!module.BufferedCapable() || !fourteenBit(module)) return false;
+                        ModuleBuffered& settings = *module.Buffered();
+                        settings.setMode(eBufferedMode::Sync);  // every module reads at the same instants
+                        settings.setReadingInterval(microseconds);
+                        settings.setEnabled(true);
+                        return true;
+                    },
+                    [&started](KavroNetwork& network) {
+                        network.Buffered()->Start();
+                        started[&network] = std::chrono::system_clock::now();
+                    },
+                    // Stopping empties each module.
+                    [](KavroNetwork& network) { network.Buffered()->Stop(); }};
+    const std::vector<KavroNetwork*> running = measure(tool, mode, duration);
+    if (running.empty()) return kDeviceError;
 
     // Each reading's time is the start plus its place times the interval
     // the module really used (rounded to its timing units).
@@ -157,12 +155,17 @@ int bufferedCommand(Tool& tool, double interval, double duration) {
             if (buffered == nullptr || !buffered->Enabled()) continue;
             for (int i = 0; i < buffered->BufferedDataLength(); ++i) {
                 const sReadingItem item = buffered->GetBufferedItem(i);
-                const auto when =
-                    start + std::chrono::microseconds(static_cast<long long>(i) * buffered->ReadingInterval());
+                const auto when = started[network] +
+                                  std::chrono::microseconds(static_cast<long long>(i) * buffered->ReadingInterval());
                 if (item.error != eKavroErrors::NoError) ++failures;
                 writer.write({timeStamp(std::chrono::time_point_cast<std::chrono::system_clock::duration>(when)),
-                              tool.label(indexOf(tool, network)), module.Address(), module.ModuleID(), item.value,
-                              module.UnitsOfMeasure(), statusText(item.error), {}});
+                              tool.label(indexOf(tool, network)),
+                              module.Address(),
+                              module.ModuleID(),
+                              item.value,
+                              module.UnitsOfMeasure(),
+                              statusText(item.error),
+                              {}});
             }
         }
     }

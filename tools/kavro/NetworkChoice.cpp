@@ -6,6 +6,8 @@
 
 #include <KavroLibrary.h>
 
+#include "NumberArguments.h"
+
 namespace kavro_tool {
 
 using namespace KavroLibrary;
@@ -13,14 +15,8 @@ using namespace KavroLibrary;
 namespace {
 
 int number(const std::string& text, const std::string& what) {
-    std::size_t used = 0;
-    int value = -1;
-    try {
-        value = std::stoi(text, &used);
-    } catch (const std::exception&) {
-        used = 0;
-    }
-    if (used == 0 || used != text.size() || value < 0) throw std::invalid_argument("bad " + what + " '" + text + "'");
+    const int value = wholeNumber(text, what);
+    if (value < 0) throw std::invalid_argument("bad " + what + " '" + text + "'");
     return value;
 }
 

@@ -12,8 +12,7 @@ std::string timeStamp() { return timeStamp(std::chrono::system_clock::now()); }
 
 std::string timeStamp(std::chrono::system_clock::time_point now) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto millis =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+    const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
     std::tm utc{};
     gmtime_r(&seconds, &utc);
     char text[96];
@@ -83,7 +82,8 @@ void RecordWriter::write(const Record& r) {
     }
     switch (format_) {
         case Format::Csv:
-            if (!headed_) std::fprintf(out_, "time,network,address,identity,value,units,status%s\n", extraNames.c_str());
+            if (!headed_)
+                std::fprintf(out_, "time,network,address,identity,value,units,status%s\n", extraNames.c_str());
             std::fprintf(out_, "%s,%s,%d,%s,%s,%s,%s%s\n", r.time.c_str(), csvField(r.network).c_str(), r.address,
                          csvField(r.identity).c_str(), value.c_str(), csvField(r.units).c_str(),
                          csvField(r.status).c_str(), extraValues.c_str());
@@ -97,8 +97,9 @@ void RecordWriter::write(const Record& r) {
             break;
         case Format::Table: {
             const int statusWidth = extra_.empty() ? 0 : 12;  // no trailing blanks without extra columns
-            if (!headed_) std::fprintf(out_, "%-24s  %-12s  %4s  %-10s  %14s  %-6s  %-*s%s\n", "time", "network", "addr",
-                                       "identity", "value", "units", statusWidth, "status", extraNames.c_str());
+            if (!headed_)
+                std::fprintf(out_, "%-24s  %-12s  %4s  %-10s  %14s  %-6s  %-*s%s\n", "time", "network", "addr",
+                             "identity", "value", "units", statusWidth, "status", extraNames.c_str());
             std::fprintf(out_, "%-24s  %-12s  %4d  %-10s  %14s  %-6s  %-*s%s\n", r.time.c_str(), r.network.c_str(),
                          r.address, r.identity.c_str(), value.c_str(), r.units.c_str(), statusWidth, r.status.c_str(),
                          extraValues.c_str());

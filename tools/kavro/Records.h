@@ -18,7 +18,7 @@ struct Record {
     std::string identity;
     double value = 0;
     std::string units;
-    std::string status;  // "ok" or the error's name
+    std::string status;         // "ok" or the error's name
     std::vector<double> extra;  // values of the writer's extra columns, in order
 };
 

@@ -32,8 +32,9 @@ std::string firstReadable(const std::vector<std::string>& candidates) {
 SimulatedBus::SimulatedBus(const std::string& path) {
     const std::string folder = programFolder();
     const std::string scenario =
-        path.empty() ? firstReadable({folder + "/" KAVRO_TOOL_SCENARIO_FROM_PROGRAM "/default.scn", KAVRO_TOOL_SCENARIO_SOURCE})
-                     : path;
+        path.empty()
+            ? firstReadable({folder + "/" KAVRO_TOOL_SCENARIO_FROM_PROGRAM "/default.scn", KAVRO_TOOL_SCENARIO_SOURCE})
+            : path;
     if (scenario.empty()) throw std::runtime_error("the default scenario is not installed");
     kavrosim::SimScenario loaded = kavrosim::loadScenario(scenario);
     // The D2XX device index of each usb controller's channel A.
@@ -66,7 +67,8 @@ SimulatedBus::SimulatedBus(const std::string& path) {
         const std::string library =
             firstReadable({folder + "/" KAVRO_TOOL_USB_FROM_PROGRAM "/libftd2xx.so", KAVRO_TOOL_USB_BUILT});
         standIn_ = library.empty() ? nullptr : dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
-        auto load = standIn_ ? reinterpret_cast<KavroSimUsbLoadFile>(dlsym(standIn_, "kavro_sim_usb_load_file")) : nullptr;
+        auto load =
+            standIn_ ? reinterpret_cast<KavroSimUsbLoadFile>(dlsym(standIn_, "kavro_sim_usb_load_file")) : nullptr;
         if (load != nullptr && load(scenario.c_str()) > 0) {
             for (int index : usbDevices) networks_.push_back({NetworkChoice::Kind::Usb, "#" + std::to_string(index)});
         }

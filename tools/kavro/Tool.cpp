@@ -45,9 +45,10 @@ bool Tool::connect(const std::vector<NetworkChoice>& choices) {
     connectAll(candidates);
     for (KavroNetwork* network : candidates) {
         if (!network->IsConnected()) continue;
-        const bool named = std::any_of(owned.begin(), owned.end(), [network](const auto& mine) { return mine.get() == network; });
-        const bool identified = std::find(usbIdentities.begin(), usbIdentities.end(), network->ControllerID()) !=
-                                usbIdentities.end();
+        const bool named =
+            std::any_of(owned.begin(), owned.end(), [network](const auto& mine) { return mine.get() == network; });
+        const bool identified =
+            std::find(usbIdentities.begin(), usbIdentities.end(), network->ControllerID()) != usbIdentities.end();
         const bool picked = choices.empty() || named || identified;
         if (picked) networks.push_back(network);
     }

@@ -31,7 +31,7 @@ extern std::atomic<bool> stopRequested;
 struct WirelessRequest {
     bool read = false;
     bool settings = false;
-    int tool = 0;               // slot, 1 to 6; 0: every tool
+    int tool = 0;                  // slot, 1 to 6; 0: every tool
     std::vector<std::string> set;  // NAME=VALUE
     std::string command;
 };

@@ -3,6 +3,7 @@
 #include <functional>
 #include <stdexcept>
 
+#include "NumberArguments.h"
 #include "Tool.h"
 
 namespace kavro_tool {
@@ -18,18 +19,6 @@ struct Setting {
     std::function<std::string(WCM_DeviceSettingsBase&)> get;
     std::function<void(WCM_DeviceSettingsBase&, const std::string&)> set;  // empty: read only
 };
-
-int number(const std::string& text) {
-    std::size_t used = 0;
-    int value = 0;
-    try {
-        value = std::stoi(text, &used);
-    } catch (const std::exception&) {
-        used = 0;
-    }
-    if (used == 0 || used != text.size()) throw std::invalid_argument(text + " is not a whole number");
-    return value;
-}
 
 // An enumerated setting of settings class S: shown as its value's name,
 // set from a name or a number.
@@ -48,7 +37,7 @@ Setting enumSetting(const char* name, E (S::*get)(), void (S::*set)(E), std::str
                     value = fromText(text);
                 } catch (const std::runtime_error&) {
                     try {
-                        value = static_cast<E>(number(text));
+                        value = static_cast<E>(wholeNumber(text, name));
                     } catch (const std::invalid_argument&) {
                         throw std::invalid_argument(text + " is no value of " + name);
                     }
@@ -60,7 +49,9 @@ Setting enumSetting(const char* name, E (S::*get)(), void (S::*set)(E), std::str
 template <class S>
 Setting intSetting(const char* name, int (S::*get)(), void (S::*set)(int)) {
     return {name, [get](WCM_DeviceSettingsBase& s) { return std::to_string((static_cast<S&>(s).*get)()); },
-            [set](WCM_DeviceSettingsBase& s, const std::string& text) { (static_cast<S&>(s).*set)(number(text)); }};
+            [set, name](WCM_DeviceSettingsBase& s, const std::string& text) {
+                (static_cast<S&>(s).*set)(wholeNumber(text, name));
+            }};
 }
 
 std::vector<Setting> settingsOf(eWCM_DeviceType type) {
@@ -68,8 +59,8 @@ std::vector<Setting> settingsOf(eWCM_DeviceType type) {
     using T = WCM_DeviceSettings_WHT;
     if (type == eWCM_DeviceType::WHT_M) {
         return {
-            {"bluetooth-class", [](WCM_DeviceSettingsBase& s) { return std::to_string(static_cast<M&>(s).BluetoothClass()); },
-             nullptr},
+            {"bluetooth-class",
+             [](WCM_DeviceSettingsBase& s) { return std::to_string(static_cast<M&>(s).BluetoothClass()); }, nullptr},
             enumSetting<M>("button1", &M::Button1Function, &M::setButton1Function, eWHT_M_ButtonFunction_ToString,
                            eWHT_M_ButtonFunction_FromString),
             enumSetting<M>("button2", &M::Button2Function, &M::setButton2Function, eWHT_M_ButtonFunction_ToString,
@@ -97,8 +88,7 @@ std::vector<Setting> settingsOf(eWCM_DeviceType type) {
                            eWHT_DisplayLayout_FromString),
             enumSetting<T>("large-source", &T::DisplayLargeSource, &T::setDisplayLargeSource,
                            eWHT_DisplayLargeSource_ToString, eWHT_DisplayLargeSource_FromString),
-            enumSetting<T>("units", &T::DisplayUnits, &T::setDisplayUnits, eRead3_UOM_ToString,
-                           eRead3_UOM_FromString),
+            enumSetting<T>("units", &T::DisplayUnits, &T::setDisplayUnits, eRead3_UOM_ToString, eRead3_UOM_FromString),
             intSetting<T>("resolution", &T::DisplayedResolution, &T::setDisplayedResolution),
             enumSetting<T>("operation-mode", &T::OperationMode, &T::setOperationMode, eWHT_OperationMode_ToString,
                            eWHT_OperationMode_FromString),
@@ -106,15 +96,7 @@ std::vector<Setting> settingsOf(eWCM_DeviceType type) {
                            eWHT_MeasurementMode_ToString, eWHT_MeasurementMode_FromString),
             {"preset", [](WCM_DeviceSettingsBase& s) { return std::to_string(static_cast<T&>(s).PresetValue()); },
              [](WCM_DeviceSettingsBase& s, const std::string& text) {
-                 std::size_t used = 0;
-                 double value = 0;
-                 try {
-                     value = std::stod(text, &used);
-                 } catch (const std::exception&) {
-                     used = 0;
-                 }
-                 if (used == 0 || used != text.size()) throw std::invalid_argument(text + " is not a number");
-                 static_cast<T&>(s).setPresetValue(value);
+                 static_cast<T&>(s).setPresetValue(realNumber(text, "preset"));
              }},
             enumSetting<T>("button1", &T::Button1Function, &T::setButton1Function, eWHT_ButtonFunction_ToString,
                            eWHT_ButtonFunction_FromString),
@@ -177,7 +159,8 @@ int wirelessCommand(Tool& tool, const WirelessRequest& request) {
             }
             if (!known) {
                 throw std::invalid_argument(name + " is no setting of a " +
-                                            eWCM_DeviceType_ToString(f.device->DeviceType()) + " (kavro wireless --settings)");
+                                            eWCM_DeviceType_ToString(f.device->DeviceType()) +
+                                            " (kavro wireless --settings)");
             }
         }
     }
@@ -197,9 +180,14 @@ int wirelessCommand(Tool& tool, const WirelessRequest& request) {
             for (int r = 0; r < readings.ReadingCount(); ++r) {
                 const sChannelReading reading = readings[r];
                 if (reading.Error != eKavroErrors::NoError) ++failures;
-                writer.write({stamp, tool.label(f.network), f.wcm->Address(),
-                              f.device->KavroIdentity() + "/" + std::to_string(reading.Channel), reading.Value,
-                              eRead3_UOM_ToString(reading.Unit), statusText(reading.Error), {}});
+                writer.write({stamp,
+                              tool.label(f.network),
+                              f.wcm->Address(),
+                              f.device->KavroIdentity() + "/" + std::to_string(reading.Channel),
+                              reading.Value,
+                              eRead3_UOM_ToString(reading.Unit),
+                              statusText(reading.Error),
+                              {}});
             }
         }
         writer.flush();

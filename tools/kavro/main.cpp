@@ -48,7 +48,8 @@ int main(int argc, char** argv) {
     std::string output;
     Tool tool;
     app.add_option("--ethernet", given.ethernet, "an Ethernet interface module's IPv4 address")->type_name("ADDRESS");
-    app.add_option("--serial", given.serial, "a serial interface module's line, with its baud rate")->type_name("PATH[:BAUD]");
+    app.add_option("--serial", given.serial, "a serial interface module's line, with its baud rate")
+        ->type_name("PATH[:BAUD]");
     app.add_option("--usb", given.usb, "a USB interface module by its device index or controller identity")
         ->type_name("INDEX|IDENTITY");
     app.add_option("--wireless", given.wireless, "a wireless interface module")->type_name("ADDRESS[:CHANNEL]");
@@ -91,7 +92,9 @@ int main(int argc, char** argv) {
 
     double diffDuration = 1.0;
     auto* diff = app.add_subcommand("diff", "difference mode: each module's smallest and largest reading over a time");
-    diff->add_option("--duration", diffDuration, "seconds to measure")->check(CLI::PositiveNumber)->capture_default_str();
+    diff->add_option("--duration", diffDuration, "seconds to measure")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
 
     double bufferedInterval = 0.02, bufferedDuration = 1.0;
     auto* buffered = app.add_subcommand("buffered", "buffered mode: the modules store readings together, then report");
