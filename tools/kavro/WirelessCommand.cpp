@@ -143,6 +143,12 @@ int wirelessCommand(Tool& tool, const WirelessRequest& request) {
         std::fprintf(stderr, "kavro: no hand tool found (is a wireless concentrator on the bus?)\n");
         return kDeviceError;
     }
+    const bool empty = found.front().device->DeviceType() == eWCM_DeviceType::None;
+    if (request.tool != 0 && empty &&
+        (request.read || request.settings || !request.set.empty() || !request.command.empty())) {
+        std::fprintf(stderr, "kavro: slot %d holds no tool\n", request.tool);
+        return kDeviceError;
+    }
     int failures = 0;
 
     for (const std::string& assignment : request.set) {
