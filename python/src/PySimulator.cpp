@@ -9,6 +9,7 @@
 #include <chrono>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -123,6 +124,18 @@ public:
         controllerOf(identity).setSignal(identity, SimSignal::parse(signal));
     }
 
+    // Puts a new hand tool of that type (WHT, WHT_M, WMM_A) into a slot of a
+    // concentrator, as a user swapping tools would.
+    void setTool(const std::string& wcm, int slot, const std::string& type) {
+        const std::optional<SimToolType> kind = SimHandTool::typeFromName(type);
+        if (!kind) throw std::invalid_argument("no hand tool type " + type + ": WHT, WHT_M or WMM_A");
+        if (slot < 1 || slot > 6) throw std::invalid_argument("slots are 1 to 6");
+        controllerOf(wcm).updateModule(wcm, [&](SimModule& module) {
+            if (module.wcm() == nullptr) throw std::invalid_argument(wcm + " is no wireless concentrator");
+            module.wcm()->setTool(slot - 1, SimHandTool(*kind));
+        });
+    }
+
     // The next `times` requests to the controller holding `identity` wait
     // that long before they are answered.
     void delay(const std::string& identity, double seconds, int times) {
@@ -201,6 +214,8 @@ void bindSimulator(py::module_& m) {
         .def("describe", &Simulator::describe)
         .def("set_signal", &Simulator::setSignal, py::arg("identity"), py::arg("signal"),
              "Gives a module a new signal, in the scenario's form: 'constant:1.2', 'sine:1,0.6,4' ...")
+        .def("set_tool", &Simulator::setTool, py::arg("wcm"), py::arg("slot"), py::arg("type"),
+             "Puts a new hand tool of that type (WHT, WHT_M, WMM_A) into a slot (1 to 6) of a concentrator.")
         .def("delay", &Simulator::delay, py::arg("identity"), py::arg("seconds"), py::arg("times") = 1,
              "Delays the answers to the next requests to the controller of that module.")
         .def("error_reply", &Simulator::errorReply, py::arg("identity"), py::arg("error"), py::arg("times") = 1,

@@ -18,12 +18,12 @@ def wcm():
         network = kavro.KavroNetworkETHIM(0, "bench", simulator.locations[0])
         network.Connect()
         network.AddModule("WC00000007")
-        yield network, network.GetModule(0)
+        yield network, network.GetModule(0), simulator
         network.Disconnect()
 
 
 def test_tools_channels_and_settings(wcm):
-    network, module = wcm
+    network, module, simulator = wcm
     assert isinstance(module, kavro.KavroModuleWCM)
     devices = module.Devices()
     assert len(devices) == 6
@@ -51,12 +51,19 @@ def test_tools_channels_and_settings(wcm):
     assert upper.Value() == pytest.approx(2.5)
     assert single.Limits().State() is kavro.eWCM_DeviceLimitState.Upper  # the tool reads 3
 
+    # A slot whose tool changed kind has new settings; the old object refuses.
+    simulator.set_tool("WC00000007", 1, "WHT")
+    assert multi.getDeviceType() is kavro.eWCM_DeviceType.WHT
+    with pytest.raises(RuntimeError, match="has changed"):
+        settings.OffTime()
+    assert isinstance(multi.Settings(), kavro.WCM_DeviceSettings_WHT)
+
     # A tool that is not connected refuses with the library's message.
     with pytest.raises(RuntimeError, match="Unable to get reading"):
         devices[2].ReadAllChannels()
 
     # Every part refuses once its concentrator has left the network.
     network.ClearModules()
-    for call in (devices.DeviceCount, multi.KavroIdentity, settings.ConfigMode, single.Limits):
+    for call in (devices.DeviceCount, multi.KavroIdentity, multi.Settings, single.Limits):
         with pytest.raises(RuntimeError, match="no longer on its network"):
             call()
