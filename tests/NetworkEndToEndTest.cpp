@@ -87,28 +87,6 @@ TEST(NetworkEndToEnd, AnalogueRangeStartsBelowZero) {
 }
 
 // Catches modules not renumbered on the bus after a deletion, or a stale pointer reading its successor.
-TEST(NetworkEndToEnd, DeletedModulesLeaveTheRestRenumbered) {
-    auto rig = connectedRig(
-        SimControllerConfig::ethernet("ETHSIM0021"),
-        {simProbe("GP00000021", 0.5, 2.0), simProbe("GP00000022", 1.0, 2.0), simProbe("GP00000023", 1.5, 2.0)});
-    KavroNetworkETHIM& network = *rig->network;
-    ASSERT_TRUE(network.IsConnected());
-    for (const char* identity : {"GP00000021", "GP00000022", "GP00000023"}) network.AddModule(identity, "");
-    KavroModule* middle = network.GetModule(1);
-
-    network.DeleteModule(1);
-    ASSERT_EQ(2, network.ModuleCount());
-    EXPECT_EQ(0, rig->controller.module("GP00000022")->address());
-    EXPECT_EQ(2, rig->controller.module("GP00000023")->address());
-    EXPECT_EQ(12288, network.GetModule(1)->ReadingInCounts());
-    // The application's pointer stays, but no longer reaches the bus.
-    EXPECT_THROW(middle->ReadingInCounts(), KavroException);
-    // A deleted module can come back at the next address.
-    network.AddModule("GP00000022", "");
-    EXPECT_EQ(3, rig->controller.module("GP00000022")->address());
-    EXPECT_EQ(8192, network.GetModule(2)->ReadingInCounts());
-}
-
 // Catches a refused averaging taken as set, 18-bit counts not scaled, or an old-format probe given a resolution.
 TEST(NetworkEndToEnd, ProbeAveragingAndResolution) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");

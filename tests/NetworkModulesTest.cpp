@@ -7,6 +7,7 @@
 #include <thread>
 #include <typeinfo>
 
+#include "KavroException.h"
 #include "KavroModuleAGM.h"
 #include "KavroModuleAIM.h"
 #include "KavroModuleDIM.h"
@@ -238,12 +239,19 @@ TEST(DeleteModule, LaterModulesMoveDownOneAddressAndClearResetsTheBus) {
     fake.network.DeleteModule("NOBODY0001");
     EXPECT_TRUE(fake.bus.commands.empty());
 
+    KavroModule* first = fake.network.GetModule(0);
     fake.network.DeleteModule(0);
     EXPECT_EQ((std::vector<Bytes>{{'C', 1}, setAddress("PROBE00002", 1), setAddress("PROBE00003", 2)}),
               fake.bus.commands);
+    // The application's pointer stays, but no longer reaches the bus.
+    EXPECT_THROW(first->ReadingInCounts(), KavroException);
     ASSERT_EQ(2, fake.network.ModuleCount());
     EXPECT_EQ("PROBE00002", fake.network.GetModule(0)->ModuleID());
     EXPECT_EQ(2, fake.network.GetModule(1)->Address());
+    // A deleted module can come back, at the next address.
+    fake.network.AddModule("PROBE00001", "");
+    EXPECT_EQ(3, fake.network.GetModuleByID("PROBE00001")->Address());
+    fake.network.DeleteModule("PROBE00001");
     // Deleting the last module readdresses nobody.
     fake.bus.clearRecords();
     fake.network.DeleteModule("PROBE00003");

@@ -108,24 +108,6 @@ TEST(SimDifference, WordModuleCountsAndSumsEverySampleOfTheRun) {
 }
 
 // Catches wrong marker words and out-of-range samples counted.
-TEST(SimDifference, RangeMarkersAndCounts) {
-    TimedBus b;
-    // Swings from -0.5 to 2.5 mm on a 2 mm probe: below and above its range.
-    b.add(probe("GPWORDS003", 1), SimSignal::sine(1.0, 1.5, 1.0));
-    const auto t0 = b.t0;
-    EXPECT_EQ('F', b.ask(addressed('F', 1), t0).at(0));
-    b.broadcast(Bytes{'O', 0}, t0);
-    Bytes words = b.ask(addressed('D', 1), t0 + milliseconds(250));
-    EXPECT_EQ(8192, le(words, 1, 2)) << "a quarter period reaches only the top";
-    EXPECT_EQ(0xFFFF, le(words, 3, 2));
-    b.broadcast(Bytes{'H', 0}, t0 + milliseconds(1000));
-    words = b.ask(addressed('D', 1), t0 + seconds(2));
-    EXPECT_EQ(0x8000, le(words, 1, 2));
-    EXPECT_EQ(0xFFFF, le(words, 3, 2));
-    EXPECT_LT(le(words, 10, 3), 1001);
-    EXPECT_GT(le(words, 10, 3), 300);
-}
-
 // Catches readings off the interval grid, out of order, from before the
 // start or after the stop, and wrong codes for the buffer's states.
 TEST(SimBuffered, SyncReadingsAtTheIntervalHandedOutOldestFirst) {
