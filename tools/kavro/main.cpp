@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     app.add_option("--wait", tool.wait, "seconds to wait for modules announcing themselves (--find notify)");
 
-    auto* scan = app.add_subcommand("scan", "list the networks: controller, type, module limit, speeds");
+    auto* scan = app.add_subcommand("scan", "list the networks: controller, type, firmware, module limit, speeds");
     auto* info = app.add_subcommand("info", "list each network's modules and what they can do");
 
     int count = 1;
