@@ -26,3 +26,11 @@ def test_watch_prints_a_row_of_readings_a_round():
     assert lines[0].split() == ["GP02000001", "GP05000002", "GP10000003", "LE00000005"]
     rows = [[float(cell) for cell in line.split()] for line in lines[2:]]
     assert len(rows) == 3 and all(len(row) == 4 and row[1] == 2.5 for row in rows), lines
+
+
+def test_hand_tools_lists_tools_and_reads_their_channels():
+    lines = run("hand_tools.py").splitlines()
+    assert [line.split()[2] for line in lines if line.startswith("slot")] == ["WHTM000001", "WHT0000002", "WMMA000003"]
+    channels = [line.split()[2] for line in lines if line.strip().startswith("channel")]
+    assert channels[:2] == ["12.0020", "11.9980"] and channels[-1] == "42.5000", lines
+    assert lines[-1].strip().startswith("no readings: Unable to get reading"), lines
