@@ -55,7 +55,7 @@ install(CODE "
         if(kavro_copied EQUAL 0)
             message(STATUS \"Installing: \${kavro_target}\")
         else()
-            message(NOTICE \"The library reads its error texts from ${KAVRO_DICTIONARY_DIR}/ErrLang_en.dat, which this install cannot write: copy \${kavro_source} there (as root) to have them.\")
+            message(STATUS \"The error texts are read from \${kavro_source} (${KAVRO_DICTIONARY_DIR} is not writable)\")
         endif()
     endif()
     " COMPONENT library)

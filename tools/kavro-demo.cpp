@@ -26,7 +26,6 @@
 #include <KavroLibrary.h>
 
 #include "TextTable.h"
-#include "core/ErrorDictionary.h"
 #include "core/KavroSim.h"
 #include "usb/KavroSimUsb.h"
 
@@ -211,7 +210,7 @@ void showModuleLearning(unsigned index, KavroNetwork& network, kavrosim::SimCont
             char text[64];
             std::snprintf(text, sizeof text, "%.4f", module.LastReadburst_InUnitsOfMeasure());
             reading = text;
-            if (error != 0) reading = "(" + GetErrorDescriptionInternal(error) + ")";
+            if (error != 0) reading = "(" + KavroServer().GetErrorDescription(error) + ")";
         } catch (const std::exception& failure) {
             reading = std::string("(") + failure.what() + ")";
         }
@@ -387,10 +386,6 @@ void showWireless(KavroNetwork& network) {
 }
 
 int runDemo() {
-    // A build tree that is not installed carries the texts beside the sources.
-    if (GetErrorDescriptionInternal(0) == "Unknown Error")
-        loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-
     std::istringstream scenarioText(kScenario);
     const kavrosim::SimScenario scenario = kavrosim::parseScenario(scenarioText, "demo scenario");
     // Module identities by controller identity: what each bus holds.

@@ -1,5 +1,8 @@
 #include "core/ErrorDictionary.h"
 
+#include <dlfcn.h>
+
+#include <filesystem>
 #include <fstream>
 #include <mutex>
 
@@ -47,7 +50,23 @@ void loadErrorDictionaryFrom(const std::string& path) {
     }
 }
 
-void loadErrorDictionary() { loadErrorDictionaryFrom(kErrorDictionaryPath); }
+// The fixed place first. Where it is missing (a build tree, a private prefix
+// that could not write there) the copy beside the library itself: in
+// PREFIX/share when the library is in PREFIX/lib or PREFIX/lib/ARCH, or in
+// the build tree's share/.
+void loadErrorDictionary() {
+    loadErrorDictionaryFrom(kErrorDictionaryPath);
+    Dl_info self{};
+    if (!kavroErrorDictionary.empty() || dladdr(reinterpret_cast<void*>(&loadErrorDictionary), &self) == 0 ||
+        self.dli_fname == nullptr) {
+        return;
+    }
+    const std::string folder = std::filesystem::path(self.dli_fname).parent_path().string();
+    for (const char* up : {"/", "/../", "/../../"}) {
+        loadErrorDictionaryFrom(folder + up + "share/kavrolinuxlibrary/languages/ErrLang_en.dat");
+        if (!kavroErrorDictionary.empty()) return;
+    }
+}
 
 std::string GetErrorDescriptionInternal(int code) {
     std::lock_guard<std::recursive_mutex> guard(dictionaryLock());
