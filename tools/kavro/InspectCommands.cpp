@@ -17,6 +17,36 @@ std::string speeds(const std::vector<eNetSpeed>& list) {
 
 std::string yesNo(bool value) { return value ? "yes" : "no"; }
 
+// A module's own settings, as NAME=VALUE words.
+std::string settingsText(KavroModule& module) {
+    std::string text;
+    const auto add = [&text](const std::string& name, const std::string& value) {
+        text += (text.empty() ? "" : " ") + name + "=" + value;
+    };
+    if (auto* probe = dynamic_cast<KavroModuleDP*>(&module)) {
+        add("resolution", eResolution_ToString(probe->Resolution()));
+        add("averaging", eAveraging_ToString(probe->Averaging()));
+    } else if (auto* encoder = dynamic_cast<KavroModuleEncoder*>(&module)) {
+        add("direction", eDirection_ToString(encoder->Direction()));
+        add("reference", eReferenceMarkMode_ToString(encoder->ReferenceMarkMode()));
+    } else if (auto* io = dynamic_cast<KavroModuleDIOMBase*>(&module)) {
+        add("pins", std::to_string(io->PinCount()));
+        add("debounce", eDiomInputDebounceTime_ToString(io->DebounceTime()));
+        add("output", eDIOOutputMode_ToString(io->OutputMode()));
+    } else if (auto* gauge = dynamic_cast<KavroModuleAGM*>(&module)) {
+        add("mode", eAGM_MeasurementMode_ToString(gauge->MeasurementMode()));
+        add("pressure", yesNo(gauge->OutputReadingAsPressure()));
+    } else if (auto* input = dynamic_cast<KavroModuleDIM*>(&module)) {
+        add("read", eDimReadMode_ToString(input->ReadMode()));
+    } else if (auto* laser = dynamic_cast<KavroModuleLT*>(&module)) {
+        add("filter", eFilter_ToString(laser->Filter()));
+        add("rate", eMeasuringRate_ToString(laser->MeasuringRate()));
+    } else if (auto* wcm = dynamic_cast<KavroModuleWCM*>(&module)) {
+        add("scan", std::to_string(wcm->ScanDuration()));
+    }
+    return text;
+}
+
 }  // namespace
 
 void emitRows(Tool& tool, const std::vector<std::string>& heading, const std::vector<std::vector<std::string>>& rows) {
@@ -74,13 +104,14 @@ int infoCommand(Tool& tool) {
             if (!capabilities.empty()) capabilities.pop_back();
             rows.push_back({tool.label(i), std::to_string(module.Address()), module.ModuleID(),
                             eModuleType_ToString(module.ModuleType()), module.DeviceType(), module.UnitsOfMeasure(),
-                            eGeneration_ToString(module.KavroGeneration()), module.Version(), capabilities});
+                            eGeneration_ToString(module.KavroGeneration()), module.Version(), capabilities,
+                            settingsText(module)});
         }
     }
-    emitRows(
-        tool,
-        {"network", "address", "identity", "kind", "description", "units", "generation", "firmware", "capabilities"},
-        rows);
+    emitRows(tool,
+             {"network", "address", "identity", "kind", "description", "units", "generation", "firmware",
+              "capabilities", "settings"},
+             rows);
     return kSuccess;
 }
 
