@@ -10,8 +10,13 @@
 class FuzzTempFile {
 public:
     FuzzTempFile(const std::uint8_t* data, std::size_t size) {
+        // In memory where the system has it: a file a run is the target's cost.
         char name[] = "/dev/shm/kavro-fuzz-XXXXXX";
-        const int fd = mkstemp(name);
+        int fd = mkstemp(name);
+        if (fd < 0) {
+            std::snprintf(name, sizeof name, "%s", "/tmp/kavro-fuzz-XXXXXX");
+            fd = mkstemp(name);
+        }
         if (fd < 0) return;
         path_ = name;
         std::size_t done = 0;
