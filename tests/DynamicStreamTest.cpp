@@ -38,7 +38,7 @@ std::uint32_t scriptedStop(NetworkConfiguration*) { return 0; }
 void scriptedResync(NetworkConfiguration*) { ++script->resyncs; }
 const DynamicTransport kScripted{"Scripted Link Lost", scriptedStart, scriptedExchange, scriptedStop, scriptedResync};
 
-struct PacketSpec {
+struct PacketLayout {
     int sets = 0;
     int endStatus = 0;
     bool badCrc = false;
@@ -46,24 +46,24 @@ struct PacketSpec {
     std::uint32_t word = 0x000010;
 };
 
-Bytes packet(int modules, const PacketSpec& spec, bool withCrc = true) {
+Bytes packet(int modules, const PacketLayout& layout, bool withCrc = true) {
     Bytes out(kDynamicPacketSize, 0);
-    const std::size_t readings = static_cast<std::size_t>(spec.sets) * modules * 3;
-    out[2] = static_cast<std::uint8_t>(spec.endStatus);
-    if (spec.firstSet >= 0) {
+    const std::size_t readings = static_cast<std::size_t>(layout.sets) * modules * 3;
+    out[2] = static_cast<std::uint8_t>(layout.endStatus);
+    if (layout.firstSet >= 0) {
         out[3] = 1;
-        for (int i = 0; i < 4; ++i) out[8 + i] = static_cast<std::uint8_t>(spec.firstSet >> (8 * i));
+        for (int i = 0; i < 4; ++i) out[8 + i] = static_cast<std::uint8_t>(layout.firstSet >> (8 * i));
     }
-    out[12] = static_cast<std::uint8_t>(spec.sets & 0xFF);
-    out[13] = static_cast<std::uint8_t>(spec.sets >> 8);
+    out[12] = static_cast<std::uint8_t>(layout.sets & 0xFF);
+    out[13] = static_cast<std::uint8_t>(layout.sets >> 8);
     for (std::size_t i = 0; i + 2 < readings + 2 && 14 + i + 2 < out.size(); i += 3) {
-        out[14 + i] = static_cast<std::uint8_t>(spec.word);
-        out[15 + i] = static_cast<std::uint8_t>(spec.word >> 8);
-        out[16 + i] = static_cast<std::uint8_t>(spec.word >> 16);
+        out[14 + i] = static_cast<std::uint8_t>(layout.word);
+        out[15 + i] = static_cast<std::uint8_t>(layout.word >> 8);
+        out[16 + i] = static_cast<std::uint8_t>(layout.word >> 16);
     }
     if (withCrc && 14 + readings + 2 <= out.size()) {
         unsigned short crc = tabularCRC16(1, out.data(), static_cast<unsigned short>(14 + readings), 0);
-        if (spec.badCrc) crc ^= 0x0101;
+        if (layout.badCrc) crc ^= 0x0101;
         out[14 + readings] = static_cast<std::uint8_t>(crc >> 8);
         out[15 + readings] = static_cast<std::uint8_t>(crc);
     }
