@@ -80,4 +80,16 @@ auto onNetwork(R (C::*f)(A...) const) {
     };
 }
 
+// A part of a module (its status, difference or buffered object, a
+// concentrator's slots), which lives as long as the module.
+template <typename Module, typename Part>
+auto part(Part* (Module::*get)() const) {
+    return [get](const Module& module) {
+        ensureModule(&module);
+        Part* found = (module.*get)();
+        rememberPart(found, &module);
+        return found;
+    };
+}
+
 }  // namespace kavro_python

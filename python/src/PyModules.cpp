@@ -40,18 +40,6 @@ void bindDynamicMaster(Class& type) {
         .def("DynamicMasterArmed", onNetwork(&Module::DynamicMasterArmed));
 }
 
-// A part of the module (its status, difference or buffered object), which
-// lives as long as the module.
-template <typename Part>
-auto part(Part* (KavroModule::*get)() const) {
-    return [get](const KavroModule& module) {
-        ensureModule(&module);
-        Part* found = (module.*get)();
-        rememberPart(found, &module);
-        return found;
-    };
-}
-
 }  // namespace
 
 void bindModules(py::module_& m) {
@@ -134,9 +122,11 @@ void bindModules(py::module_& m) {
     py::class_<KavroModuleDIOMBase, KavroModule>(m, "KavroModuleDIOMBase")
         .def("PinCount", onNetwork(&KavroModuleDIOMBase::PinCount))
         .def("PinConfig", onNetwork(&KavroModuleDIOMBase::PinConfig), py::arg("pin"))
-        .def("setPinConfig", onNetwork(&KavroModuleDIOMBase::setPinConfig), WithoutGil(), py::arg("pin"), py::arg("config"))
+        .def("setPinConfig", onNetwork(&KavroModuleDIOMBase::setPinConfig), WithoutGil(), py::arg("pin"),
+             py::arg("config"))
         .def("PinState", onNetwork(&KavroModuleDIOMBase::PinState), py::arg("pin"))
-        .def("setPinState", onNetwork(&KavroModuleDIOMBase::setPinState), WithoutGil(), py::arg("pin"), py::arg("state"))
+        .def("setPinState", onNetwork(&KavroModuleDIOMBase::setPinState), WithoutGil(), py::arg("pin"),
+             py::arg("state"))
         .def("DebounceTime", onNetwork(&KavroModuleDIOMBase::DebounceTime))
         .def("setDebounceTime", onNetwork(&KavroModuleDIOMBase::setDebounceTime), py::arg("time"))
         .def("OutputMode", onNetwork(&KavroModuleDIOMBase::OutputMode))
@@ -155,11 +145,14 @@ void bindModules(py::module_& m) {
         .def("setOutputReadingAsPressure", onNetwork(&KavroModuleAGM::setOutputReadingAsPressure), WithoutGil(),
              py::arg("pressure"))
         .def("MasterMinReadingInUOM", onNetwork(&KavroModuleAGM::MasterMinReadingInUOM))
-        .def("setMasterMinReadingInUOM", onNetwork(&KavroModuleAGM::setMasterMinReadingInUOM), WithoutGil(), py::arg("reading"))
+        .def("setMasterMinReadingInUOM", onNetwork(&KavroModuleAGM::setMasterMinReadingInUOM), WithoutGil(),
+             py::arg("reading"))
         .def("MasterMaxReadingInUOM", onNetwork(&KavroModuleAGM::MasterMaxReadingInUOM))
-        .def("setMasterMaxReadingInUOM", onNetwork(&KavroModuleAGM::setMasterMaxReadingInUOM), WithoutGil(), py::arg("reading"))
+        .def("setMasterMaxReadingInUOM", onNetwork(&KavroModuleAGM::setMasterMaxReadingInUOM), WithoutGil(),
+             py::arg("reading"))
         .def("EndBandSizeMicrons", onNetwork(&KavroModuleAGM::EndBandSizeMicrons))
-        .def("setEndBandSizeMicrons", onNetwork(&KavroModuleAGM::setEndBandSizeMicrons), WithoutGil(), py::arg("microns"))
+        .def("setEndBandSizeMicrons", onNetwork(&KavroModuleAGM::setEndBandSizeMicrons), WithoutGil(),
+             py::arg("microns"))
         .def("MeasurementMode", onNetwork(&KavroModuleAGM::MeasurementMode))
         .def("setMeasurementMode", onNetwork(&KavroModuleAGM::setMeasurementMode), py::arg("mode"))
         .def("UpdateInfo", onNetwork(&KavroModuleAGM::UpdateInfo), WithoutGil());

@@ -149,15 +149,7 @@ void bindWireless(py::module_& m) {
         });
 
     py::class_<KavroModuleWCM, KavroModule>(m, "KavroModuleWCM")
-        .def(
-            "Devices",
-            [](const KavroModuleWCM& wcm) {
-                ensureModule(&wcm);
-                WCM_Devices* devices = wcm.Devices();
-                rememberPart(devices, &wcm);
-                return devices;
-            },
-            owned)
+        .def("Devices", part(&KavroModuleWCM::Devices), owned)
         .def("ScanDuration", onNetwork(&KavroModuleWCM::ScanDuration))
         .def("getScanDuration", onNetwork(&KavroModuleWCM::getScanDuration), WithoutGil())
         .def("UpdateFieldData", onNetwork(&KavroModuleWCM::UpdateFieldData), WithoutGil())
