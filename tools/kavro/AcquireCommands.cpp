@@ -27,12 +27,8 @@ int readCommand(Tool& tool, int count, double interval, bool watch, bool burst) 
             }
             for (int m = 0; m < network.ModuleCount(); ++m) {
                 KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
-                Record record;
+                Record record = tool.recordFor(&network, module);
                 record.time = timeStamp();
-                record.network = tool.label(i);
-                record.address = module.Address();
-                record.identity = module.ModuleID();
-                record.units = module.UnitsOfMeasure();
                 if (burst) {
                     record.value = module.LastReadburst_InUnitsOfMeasure();
                     record.status = statusText(static_cast<eKavroErrors>(module.LastReadburst_Error()));
@@ -117,6 +113,15 @@ int streamCommand(Tool& tool, const std::string& rate, long count, double durati
     // complete up to its last record.
     RecordWriter writer(tool.out, tool.format);
     std::vector<int> written(tool.networks.size(), 0);
+    // Each streaming module's record, filled once and reused for its readings.
+    std::vector<std::vector<Record>> streamed;
+    for (KavroNetwork* network : tool.networks) {
+        std::vector<Record> records;
+        for (int m = 0; m < network->Dynamic()->DynamicData()->ModuleCount(); ++m) {
+            records.push_back(tool.recordFor(network, *network->GetModule(static_cast<unsigned>(m))));
+        }
+        streamed.push_back(std::move(records));
+    }
     bool running = true;
     while (running) {
         running = false;
@@ -130,19 +135,15 @@ int streamCommand(Tool& tool, const std::string& rate, long count, double durati
             total += available;
             if (benchmark || available == written[i]) continue;
             const std::string stamp = timeStamp();
-            KavroNetwork& network = *tool.networks[i];
+            std::vector<Record>& records = streamed[i];
             for (int set = written[i]; set < available; ++set) {
                 for (int m = 0; m < data.ModuleCount(); ++m) {
-                    KavroModule& module = *network.GetModule(static_cast<unsigned>(m));
                     const sReadingItem item = data.GetItem(m, set);
-                    writer.write({stamp,
-                                  tool.label(i),
-                                  module.Address(),
-                                  module.ModuleID(),
-                                  item.value,
-                                  module.UnitsOfMeasure(),
-                                  statusText(item.error),
-                                  {}});
+                    Record& record = records[static_cast<std::size_t>(m)];
+                    record.time = stamp;
+                    record.value = item.value;
+                    record.status = statusText(item.error);
+                    writer.write(record);
                 }
             }
             written[i] = available;

@@ -27,14 +27,6 @@ bool fourteenBit(KavroModule& module) {
     }
 }
 
-// Index of each network among the tool's, for its label.
-std::size_t indexOf(const Tool& tool, const KavroNetwork* network) {
-    for (std::size_t i = 0; i < tool.networks.size(); ++i) {
-        if (tool.networks[i] == network) return i;
-    }
-    return 0;
-}
-
 // One mode on every network with a module that takes it: `enable` sets a
 // module up (false: not this one), then each network starts, the run lasts
 // `duration` (Ctrl+C ends it early) and each network stops. A failure to
@@ -106,14 +98,11 @@ int diffCommand(Tool& tool, double duration) {
             KavroModule& module = *network->GetModule(static_cast<unsigned>(m));
             const ModuleDifference* result = module.Difference();
             if (result == nullptr || !result->Enabled()) continue;
-            Record record{stamp,
-                          tool.label(indexOf(tool, network)),
-                          module.Address(),
-                          module.ModuleID(),
-                          result->Diff(),
-                          module.UnitsOfMeasure(),
-                          statusText(result->Error()),
-                          {result->Min(), result->Max()}};
+            Record record = tool.recordFor(network, module);
+            record.time = stamp;
+            record.value = result->Diff();
+            record.status = statusText(result->Error());
+            record.extra = {result->Min(), result->Max()};
             if (result->Error() != eKavroErrors::NoError) ++failures;
             writer.write(record);
         }
@@ -153,19 +142,16 @@ int bufferedCommand(Tool& tool, double interval, double duration) {
             KavroModule& module = *network->GetModule(static_cast<unsigned>(m));
             const ModuleBuffered* buffered = module.Buffered();
             if (buffered == nullptr || !buffered->Enabled()) continue;
+            Record record = tool.recordFor(network, module);
             for (int i = 0; i < buffered->BufferedDataLength(); ++i) {
                 const sReadingItem item = buffered->GetBufferedItem(i);
                 const auto when = started[network] +
                                   std::chrono::microseconds(static_cast<long long>(i) * buffered->ReadingInterval());
                 if (item.error != eKavroErrors::NoError) ++failures;
-                writer.write({timeStamp(std::chrono::time_point_cast<std::chrono::system_clock::duration>(when)),
-                              tool.label(indexOf(tool, network)),
-                              module.Address(),
-                              module.ModuleID(),
-                              item.value,
-                              module.UnitsOfMeasure(),
-                              statusText(item.error),
-                              {}});
+                record.time = timeStamp(std::chrono::time_point_cast<std::chrono::system_clock::duration>(when));
+                record.value = item.value;
+                record.status = statusText(item.error);
+                writer.write(record);
             }
         }
     }

@@ -59,6 +59,20 @@ bool Tool::connect(const std::vector<NetworkChoice>& choices) {
     return true;
 }
 
+std::string Tool::label(const KavroNetwork* network) const {
+    const auto found = std::find(networks.begin(), networks.end(), network);
+    return label(static_cast<std::size_t>(found - networks.begin()));
+}
+
+Record Tool::recordFor(const KavroNetwork* network, const KavroModule& module) const {
+    Record record;
+    record.network = label(network);
+    record.address = module.Address();
+    record.identity = module.ModuleID();
+    record.units = module.UnitsOfMeasure();
+    return record;
+}
+
 void Tool::findModules() {
     if (find == "none") return;
     inParallel(networks, [this](KavroNetwork& network) {

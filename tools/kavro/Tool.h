@@ -53,6 +53,10 @@ struct Tool {
     // Finds each network's modules as `find` says.
     void findModules();
     std::string label(std::size_t index) const { return networkLabel(*networks[index], static_cast<int>(index)); }
+    std::string label(const KavroLibrary::KavroNetwork* network) const;
+    // A record of `module` on `network` without its time, value and status:
+    // filled once, then reused for each of the module's readings.
+    Record recordFor(const KavroLibrary::KavroNetwork* network, const KavroLibrary::KavroModule& module) const;
 };
 
 int scanCommand(Tool& tool);
