@@ -61,9 +61,14 @@ std::uint32_t run(LinkRig& rig, Operation operation) {
             }
             case Operation::SetMode: {
                 auto* probe = dynamic_cast<KavroModuleDP*>(network.GetModule(0));
-                const eAveraging next =
-                    probe->Averaging() == eAveraging::average4 ? eAveraging::average8 : eAveraging::average4;
-                probe->setAveraging(next);
+                const eAveraging before = probe->Averaging();
+                const eAveraging next = before == eAveraging::average4 ? eAveraging::average8 : eAveraging::average4;
+                try {
+                    probe->setAveraging(next);
+                } catch (const KavroException&) {
+                    if (probe->Averaging() != before) return 1;  // a failed change must not be cached
+                    throw;
+                }
                 return probe->Averaging() == next ? 0 : 1;
             }
             case Operation::AddModule:
@@ -124,6 +129,7 @@ TEST_P(FaultMatrix, TheCallerGetsTheErrorInTimeAndTheNetworkGoesOn) {
         if (operation == Operation::AddModule) {
             if (std::string(fault.name) != "cut short") {
                 EXPECT_NE(0u, error);
+                EXPECT_EQ(1, rig.network->ModuleCount()) << "a failed addition is not half done";
             }
         } else {
             EXPECT_EQ(fault.error, error);

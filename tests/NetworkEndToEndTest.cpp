@@ -1,69 +1,16 @@
 // Networks against the simulated bus: add modules by identity, read them,
-// change the bus speed, renumber and refuse what the network cannot do.
+// and refuse what the network cannot do.
 #include <cstdio>
 
 #include <gtest/gtest.h>
 
 #include "EndToEndSupport.h"
 #include "KavroException.h"
-#include "KavroModuleDP.h"
-#include "core/ErrorDictionary.h"
-#include "links/NetworkConfiguration.h"
 #include "readings/KavroReadType.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
 using namespace e2e;
-
-namespace {
-
-SimModule olderProbe(const std::string& identity, double value, double rangeMm, int generation) {
-    SimModule probe = simProbe(identity, value, rangeMm);
-    probe.setGeneration(generation);
-    return probe;
-}
-
-}  // namespace
-
-// Catches a bus left faster than its slowest module, or one not restored after an addition or deletion.
-TEST(NetworkEndToEnd, TheModuleSetDecidesTheSpeeds) {
-    SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0011");
-    config.typeCode = "ETH2";  // offers UltraHigh
-    auto rig = connectedRig(config, {simProbe("GP00000011", 0.5, 2.0), olderProbe("GP00000012", 1.25, 5.0, 2),
-                                     simProbe("GP00000013", 7.5, 10.0)});
-    KavroNetworkETHIM& network = *rig->network;
-    SimController& controller = rig->controller;
-    ASSERT_TRUE(network.IsConnected());
-    EXPECT_EQ(eNetworkType::ETHIM2, network.NetworkType());
-    const std::vector<eNetSpeed> all{eNetSpeed::Low, eNetSpeed::High, eNetSpeed::UltraHigh};
-    EXPECT_EQ(all, network.AvailableSpeeds());
-
-    network.AddModule("GP00000011", "");
-    network.setNetSpeed(eNetSpeed::UltraHigh);
-    // A second-generation module joins at Low, and the bus stays there.
-    network.AddModule("GP00000012", "");
-    EXPECT_EQ(eGeneration::Kavro2_B, network.GetModule(1)->KavroGeneration());
-    EXPECT_EQ(SimSpeed::Low, controller.busSpeed());
-    EXPECT_EQ(SimSpeed::Low, controller.module("GP00000011")->speed());
-    EXPECT_EQ((std::vector<eNetSpeed>{eNetSpeed::Low, eNetSpeed::High}), network.AvailableSpeeds());
-
-    network.setNetSpeed(eNetSpeed::High);
-    EXPECT_EQ(SimSpeed::High, controller.module("GP00000011")->speed());
-    EXPECT_EQ(4096, network.GetModule(1)->ReadingInCounts());
-    // A module added at High ends up at High with the rest.
-    network.AddModule("GP00000013", "");
-    EXPECT_EQ(SimSpeed::High, controller.busSpeed());
-    EXPECT_EQ(SimSpeed::High, controller.module("GP00000013")->speed());
-    EXPECT_EQ(12288, network.GetModule(2)->ReadingInCounts());
-
-    // Without the older module UltraHigh is offered again.
-    network.DeleteModule("GP00000012");
-    EXPECT_EQ(all, network.AvailableSpeeds());
-    network.setNetSpeed(eNetSpeed::UltraHigh);
-    EXPECT_EQ(SimSpeed::UltraHigh, controller.busSpeed());
-    EXPECT_NEAR(0.5, network.GetModule(0)->ReadingInUnits(), 1e-9);
-    EXPECT_NEAR(7.5, network.GetModule(1)->ReadingInUnits(), 1e-9);
-}
 
 // Catches a wrong offset for a range that starts below zero, or range replies thrown as errors.
 TEST(NetworkEndToEnd, AnalogueRangeStartsBelowZero) {
@@ -84,48 +31,6 @@ TEST(NetworkEndToEnd, AnalogueRangeStartsBelowZero) {
     rig->controller.setSignal("AI00000003", SimSignal::constant(12.0));
     EXPECT_EQ(16384, analogue->ReadingInCounts());
     EXPECT_NEAR(10.25, analogue->ReadingInUnits(), 1e-9);
-}
-
-// Catches modules not renumbered on the bus after a deletion, or a stale pointer reading its successor.
-// Catches a refused averaging taken as set, 18-bit counts not scaled, or an old-format probe given a resolution.
-TEST(NetworkEndToEnd, ProbeAveragingAndResolution) {
-    loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    SimModule probe = simProbe("GP00000031", 1.5, 2.0);
-    probe.setAveraging(64);
-    SimModule oldFormat = simProbe("GP00000032", 2.5, 5.0);
-    oldFormat.setInfoFormat(SimInfoFormat::Old);
-    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0031"), {probe, oldFormat});
-    KavroNetworkETHIM& network = *rig->network;
-    SimController& controller = rig->controller;
-    ASSERT_TRUE(network.IsConnected());
-    for (const char* identity : {"GP00000031", "GP00000032"}) network.AddModule(identity, "");
-    auto* dp = dynamic_cast<KavroModuleDP*>(network.GetModule(0));
-    auto* older = dynamic_cast<KavroModuleDP*>(network.GetModule(1));
-    ASSERT_TRUE(dp != nullptr && older != nullptr);
-
-    EXPECT_EQ(eAveraging::average64, dp->Averaging());
-    dp->setAveraging(eAveraging::average4);
-    EXPECT_EQ(4, controller.module("GP00000031")->averaging());
-    controller.injectFault(SimFault::errorReply(0x60).only('V'));
-    try {
-        dp->setAveraging(eAveraging::average256);
-        FAIL() << "expected the probe's refusal";
-    } catch (const KavroException& error) {
-        EXPECT_EQ(0x2160, error.ErrorCode);
-        EXPECT_EQ("The averaging value is not valid.", error.Message);
-    }
-    EXPECT_EQ(eAveraging::average4, dp->Averaging());
-    EXPECT_EQ(4, controller.module("GP00000031")->averaging());
-
-    // 18 bits count 16 times finer; the reading in millimetres stays.
-    EXPECT_EQ(12288, dp->ReadingInCounts());
-    dp->setResolution(eResolution::res18Bit);
-    EXPECT_EQ(18, controller.module("GP00000031")->resolutionBits());
-    EXPECT_EQ(16 * 12288, dp->ReadingInCounts());
-    EXPECT_NEAR(1.5, dp->ReadingInUnits(), 1e-9);
-    // A probe describing itself the old way refuses a resolution and keeps 14 bit.
-    EXPECT_EQ("Unable to set resolution", messageOf([&] { older->setResolution(eResolution::res18Bit); }));
-    EXPECT_EQ(8192, older->ReadingInCounts());
 }
 
 // Catches an off-by-one in the module limit, or refusals that still reach the bus.

@@ -205,6 +205,10 @@ TEST(NetworkSpeed, AdditionsDropToLowAndChangesReachEveryModule) {
     EXPECT_TRUE(fake.bus.speedRequests.empty());
     fake.network.setNetSpeed(eNetSpeed::High);
     EXPECT_EQ((std::vector<Bytes>{setMode(1, 41), setMode(2, 41), setMode(3, 41), kApplySpeed}), fake.bus.commands);
+    // Without the older module the faster speed is offered again.
+    fake.network.DeleteModule("OLDPROBE01");
+    EXPECT_EQ((std::vector<eNetSpeed>{eNetSpeed::Low, eNetSpeed::High, eNetSpeed::UltraHigh}),
+              fake.network.AvailableSpeeds());
 
     fake.config()->ActiveOperation = OperationDifference;
     EXPECT_EQ("Cannot change network speed whilst performing an Kavro operation.",
