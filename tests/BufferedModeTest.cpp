@@ -5,13 +5,7 @@
 
 #include <cstdlib>
 
-#include "KavroDynamic.h"
-#include "KavroModuleDP.h"
-#include "KavroModuleEIM.h"
-#include "KavroNetwork.h"
 #include "ModeTestRig.h"
-#include "ModuleBuffered.h"
-#include "NetworkBuffered.h"
 #include "core/ErrorDictionary.h"
 
 using namespace KavroLibrary;

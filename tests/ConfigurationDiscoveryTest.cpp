@@ -9,13 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "ConfigurationHome.h"
-#include "KavroNetworkETHIM.h"
-#include "KavroNetworkRS232.h"
-#include "KavroNetworkWIM.h"
-#include "KavroNetworks.h"
 #include "NetworkTestSupport.h"
 #include "core/SimLoopback.h"
-#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 

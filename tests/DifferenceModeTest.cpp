@@ -2,13 +2,7 @@
 // signals move between known bounds.
 #include <gtest/gtest.h>
 
-#include "KavroModuleDP.h"
-#include "KavroNetwork.h"
 #include "ModeTestRig.h"
-#include "ModuleBuffered.h"
-#include "ModuleDifference.h"
-#include "NetworkBuffered.h"
-#include "NetworkDifference.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;

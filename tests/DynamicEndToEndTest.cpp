@@ -7,17 +7,9 @@
 #include <memory>
 #include <thread>
 
-#include "KavroDynamic.h"
-#include "KavroDynamicData.h"
-#include "KavroNetworkETHIM.h"
-#include "KavroNetworkUSBIM.h"
-#include "KavroNetworks.h"
-#include "KavroServer.h"
 #include "ConfigurationHome.h"
 #include "ModeTestRig.h"
 #include "UsbStandIn.h"
-#include "core/KavroSim.h"
-#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;

@@ -6,9 +6,7 @@
 
 #include <stdexcept>
 
-#include "KavroDynamic.h"
 #include "NetworkTestSupport.h"
-#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 

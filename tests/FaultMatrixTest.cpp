@@ -8,8 +8,6 @@
 #include <string>
 #include <tuple>
 
-#include "KavroException.h"
-#include "KavroModuleDP.h"
 #include "LinkRig.h"
 #include "ModeTestRig.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "KavroNumberText.h"
+#include "KavroLibrary.h"
 #include "readings/KavroReadType.h"
 
 using namespace KavroLibrary;

@@ -7,8 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "KavroNetworks.h"
-#include "KavroServer.h"
+#include "KavroLibrary.h"
 #include "core/ErrorDictionary.h"
 
 using namespace KavroLibrary;

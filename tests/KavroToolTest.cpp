@@ -15,7 +15,6 @@
 #include "ChildProcess.h"
 #include "TempDir.h"
 #include "SimNetworkRig.h"
-#include "core/KavroSim.h"
 
 namespace {
 

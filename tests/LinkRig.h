@@ -7,9 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "KavroNetworkETHIM.h"
-#include "KavroNetworkRS232.h"
-#include "KavroNetworkUSBIM.h"
+#include "KavroLibrary.h"
 #include "UsbStandIn.h"
 #include "core/KavroSim.h"
 

@@ -1,19 +1,9 @@
 // The settings of the mode companions that need no bus: buffered intervals,
-// enables and master index, dynamic settings and the dynamic data container.
+// enables and master index, and dynamic settings.
 #include <gtest/gtest.h>
 
 #include "MessageOf.h"
 
-#include <chrono>
-#include <thread>
-
-#include "KavroDynamic.h"
-#include "KavroDynamicData.h"
-#include "KavroModuleAIM.h"
-#include "KavroModuleDP.h"
-#include "KavroModuleEIM.h"
-#include "ModuleBuffered.h"
-#include "NetworkBuffered.h"
 #include "NetworkTestSupport.h"
 #include "readings/KavroReadType.h"
 
@@ -128,45 +118,4 @@ TEST_F(ModeSettings, DynamicSettingsAndState) {
     config->DynamicRunning = false;
     EXPECT_EQ(eDynamicState::Processing, dynamic->DynamicState());
     config->DynamicState = eDynamicState::Inactive;
-}
-
-// Index checks at their edges, and which run errors a collection reports.
-TEST(KavroDynamicData, BoundsAndCollectionStatus) {
-    KavroNetwork network(0, "Dynamic data");
-    NetworkConfiguration* config = network.Configuration();
-    KavroDynamicData data(config, 2);
-    EXPECT_EQ("No Dynamic collection available", messageOf([&] { data.CheckBounds(0, 0); }));
-
-    data.AddReadings(new sDynamicReadingData[2]{{0, 16}, {0, 17}});
-    data.AddReadings(new sDynamicReadingData[2]{{0, 18}, {0x2112, 0}});
-    EXPECT_EQ(2, data.ReadingCount());
-    EXPECT_NO_THROW(data.CheckBounds(1, 1));
-    EXPECT_EQ("ModuleIndex specified is greater than the number of modules in the collection",
-              messageOf([&] { data.CheckBounds(2, 0); }));
-    EXPECT_EQ("ReadingIndex specified is greater than the number of readings in the collection",
-              messageOf([&] { data.CheckBounds(0, 2); }));
-
-    config->DynamicError = 242;
-    EXPECT_EQ(0, data.CollectionStatus());
-    config->DynamicError = 243;
-    EXPECT_EQ(243, data.CollectionStatus());
-}
-
-// A reader racing the decoder thread never sees a set half appended.
-TEST(KavroDynamicData, ReadersMayLookWhileSetsAreAppended) {
-    KavroNetwork network(0, "Dynamic data");
-    KavroDynamicData data(network.Configuration(), 1);
-    constexpr int kSets = 2000;
-    std::thread decoder([&data] {
-        for (int set = 0; set < kSets; ++set) data.AddReadings(new sDynamicReadingData[1]{{0, set}});
-    });
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    int seen = 0;
-    while (seen < kSets && std::chrono::steady_clock::now() < deadline) {
-        seen = data.ReadingCount();
-        if (seen > 0) data.CheckBounds(0, seen - 1);
-        std::this_thread::yield();
-    }
-    decoder.join();
-    EXPECT_EQ(kSets, data.ReadingCount());
 }

@@ -3,17 +3,6 @@
 
 #include <memory>
 
-#include "KavroModuleAGM.h"
-#include "KavroModuleAIM.h"
-#include "KavroModuleDIM.h"
-#include "KavroModuleDIOM.h"
-#include "KavroModuleDIOM2.h"
-#include "KavroModuleDP.h"
-#include "KavroModuleEIM.h"
-#include "KavroModuleLE.h"
-#include "KavroModuleLEIM.h"
-#include "KavroModuleStatus.h"
-#include "ModuleDifference.h"
 #include "NetworkTestSupport.h"
 #include "readings/KavroReadType.h"
 

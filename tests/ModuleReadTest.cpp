@@ -2,9 +2,6 @@
 // identity of a module.
 #include <gtest/gtest.h>
 
-#include "KavroException.h"
-#include "KavroModuleStatus.h"
-#include "ModuleDifference.h"
 #include "NetworkTestSupport.h"
 #include "core/ErrorDictionary.h"
 #include "readings/KavroReadType.h"

@@ -5,17 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include "EndToEndSupport.h"
-#include "KavroException.h"
-#include "KavroModuleStatus.h"
-#include "KavroNetworkRS232.h"
+#include "SimNetworkRig.h"
 #include "NetworkTestSupport.h"
 #include "core/ErrorDictionary.h"
-#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
-using namespace e2e;
+using namespace std::chrono_literals;
 
 namespace {
 

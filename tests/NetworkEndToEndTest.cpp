@@ -4,13 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include "EndToEndSupport.h"
-#include "KavroException.h"
+#include "SimNetworkRig.h"
 #include "readings/KavroReadType.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;
-using namespace e2e;
+using namespace std::chrono_literals;
 
 // Catches a wrong offset for a range that starts below zero, or range replies thrown as errors.
 TEST(NetworkEndToEnd, AnalogueRangeStartsBelowZero) {

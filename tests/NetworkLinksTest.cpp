@@ -2,7 +2,6 @@
 // one is in NetworkEndToEndFailureTest.cpp).
 #include <gtest/gtest.h>
 
-#include "KavroNetworkRS232.h"
 #include "NetworkTestSupport.h"
 
 using namespace KavroLibrary;

@@ -7,20 +7,6 @@
 #include <thread>
 #include <typeinfo>
 
-#include "KavroException.h"
-#include "KavroModuleAGM.h"
-#include "KavroModuleAIM.h"
-#include "KavroModuleDIM.h"
-#include "KavroModuleDIOM.h"
-#include "KavroModuleDIOM2.h"
-#include "KavroModuleDP.h"
-#include "KavroModuleEIM.h"
-#include "KavroModuleLE.h"
-#include "KavroModuleLEIM.h"
-#include "KavroModuleLT.h"
-#include "KavroModuleLTA.h"
-#include "KavroModuleLTH.h"
-#include "KavroModuleWCM.h"
 #include "NetworkTestSupport.h"
 
 using namespace KavroLibrary;

@@ -8,8 +8,6 @@
 
 #include <libxml/xmlerror.h>
 
-#include "KavroModuleDP.h"
-#include "ModuleBuffered.h"
 #include "SimNetworkRig.h"
 #include "TempDir.h"
 

@@ -16,8 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "KavroDiagnostics.h"
-#include "KavroNetwork.h"
+#include "KavroLibrary.h"
 #include "links/NetworkConfiguration.h"
 
 struct FakeModule {

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "KavroNumberText.h"
+#include "KavroLibrary.h"
 
 using namespace KavroLibrary;
 

@@ -1,9 +1,6 @@
 // The digital probe's averaging, resolution and settings.
 #include <gtest/gtest.h>
 
-#include "KavroException.h"
-#include "KavroModuleDP.h"
-#include "ModuleDifference.h"
 #include "NetworkTestSupport.h"
 #include "readings/KavroReadType.h"
 

@@ -7,12 +7,14 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "MessageOf.h"
 
-#include "KavroNetworkETHIM.h"
+#include "KavroLibrary.h"
 #include "core/KavroSim.h"
 #include "links/NetworkConfiguration.h"
 
@@ -51,6 +53,25 @@ inline kavrosim::SimModule simProbe(const std::string& identity, double value, d
     probe.setSignal(kavrosim::SimSignal::constant(value));
     return probe;
 }
+
+// A rig connected to a controller that holds `modules`.
+inline std::unique_ptr<SimNetworkRig> connectedRig(kavrosim::SimControllerConfig config,
+                                                   const std::vector<kavrosim::SimModule>& modules = {}) {
+    auto rig = std::make_unique<SimNetworkRig>(std::move(config));
+    for (const kavrosim::SimModule& module : modules) rig->controller.addModule(module);
+    rig->connect();
+    return rig;
+}
+
+class Stopwatch {
+public:
+    std::chrono::milliseconds elapsed() const {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_);
+    }
+
+private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
 
 // Looks at the condition every millisecond until it holds, for at most `bound`.
 inline bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds bound) {

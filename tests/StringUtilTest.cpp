@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "KavroNumberText.h"
+#include "KavroLibrary.h"
 
 using namespace KavroLibrary;
 using Tokens = std::vector<std::string>;

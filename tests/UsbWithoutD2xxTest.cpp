@@ -8,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "ConfigurationHome.h"
-#include "KavroNetworkUSBIM.h"
-#include "KavroNetworks.h"
 #include "NetworkTestSupport.h"
 
 using namespace KavroLibrary;

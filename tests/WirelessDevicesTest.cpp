@@ -6,14 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "KavroModuleWCM.h"
 #include "SimNetworkRig.h"
-#include "WCM_Device.h"
-#include "WCM_DeviceSettings_WHT.h"
-#include "WCM_DeviceSettings_WHTM.h"
-#include "WCM_Devices.h"
-#include "WHT_Limit.h"
-#include "WHT_Limits.h"
 
 using namespace KavroLibrary;
 using kavrosim::SimModule;

@@ -6,11 +6,8 @@
 #include <memory>
 
 #include "ConfigurationHome.h"
-#include "KavroNetworkWIM.h"
-#include "KavroNetworks.h"
 #include "NetworkTestSupport.h"
 #include "core/KavroSim.h"
-#include "links/NetworkConfiguration.h"
 
 using namespace KavroLibrary;
 using namespace kavrosim;

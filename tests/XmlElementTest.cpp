@@ -7,13 +7,6 @@
 #include <memory>
 #include <utility>
 
-#include "KavroModuleAGM.h"
-#include "KavroModuleDIM.h"
-#include "KavroModuleDIOM2.h"
-#include "KavroModuleDP.h"
-#include "KavroModuleEIM.h"
-#include "KavroModuleLT.h"
-#include "KavroNumberText.h"
 #include "NetworkTestSupport.h"
 #include "network/KavroXmlElement.h"
 #include "readings/KavroReadType.h"
