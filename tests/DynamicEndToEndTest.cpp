@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "ConfigurationHome.h"
+#include "LinkRig.h"
 #include "ModeTestRig.h"
 #include "UsbStandIn.h"
 
@@ -16,39 +17,23 @@ using namespace kavrosim;
 
 namespace {
 
-enum class Link { Usb, Ethernet };
-
 const double kLevels[] = {0.5, 1.0, 1.5, 2.0};  // mm, one per probe
 
-// One streaming controller with four probes standing still at known levels,
+std::vector<SimModule> fourProbes() {
+    std::vector<SimModule> probes;
+    for (int i = 0; i < 4; ++i) {
+        probes.push_back(modeProbe("GPDYN0000" + std::to_string(i), 5, 3, SimSignal::constant(kLevels[i])));
+    }
+    return probes;
+}
+
+// A streaming controller with four probes standing still at known levels,
 // all four added to the network at the High speed.
-struct StreamRig {
-    explicit StreamRig(Link link) {
-        if (link == Link::Usb) {
-            usb = std::make_unique<UsbStandIn>("controller usb identity=USBDYN0001 firmware=150\n");
-            // A lost transfer costs this much rather than the host's full time-out.
-            usb->limitReadWait(std::chrono::milliseconds(1000));
-            network = std::make_unique<KavroNetworkUSBIM>(0, 0);
-        } else {
-            SimControllerConfig config = SimControllerConfig::ethernet("ETHDYN0001");
-            config.typeCode = "ETH2";
-            own = std::make_unique<SimController>(config);
-            face = std::make_unique<SimEthernetFace>(*own);
-            face->start();
-            network = std::make_unique<KavroNetworkETHIM>(0, "Stream", face->location());
-        }
-        for (int i = 0; i < 4; ++i) {
-            controller().addModule(modeProbe("GPDYN0000" + std::to_string(i), 5, 3, SimSignal::constant(kLevels[i])));
-        }
-        network->Connect();
+struct StreamRig : LinkRig {
+    explicit StreamRig(LinkKind link) : LinkRig(link, fourProbes(), std::chrono::milliseconds(1000)) {
         for (int i = 0; i < 4; ++i) network->AddModule("GPDYN0000" + std::to_string(i), "");
         network->setNetSpeed(eNetSpeed::High);
     }
-    ~StreamRig() {
-        network.reset();
-        if (face) face->stop();
-    }
-    SimController& controller() const { return usb ? usb->controller(0) : *own; }
 
     // Prepares and starts a run of `sets` reading sets (0: until stopped).
     KavroDynamic& start(int sets) {
@@ -72,18 +57,11 @@ struct StreamRig {
         }
         return false;
     }
-
-    std::unique_ptr<UsbStandIn> usb;
-    std::unique_ptr<SimController> own;
-    std::unique_ptr<SimFace> face;
-    std::unique_ptr<KavroNetwork> network;
 };
 
-class DynamicEndToEnd : public ::testing::TestWithParam<Link> {};
+class DynamicEndToEnd : public ::testing::TestWithParam<LinkKind> {};
 
-std::string linkName(const ::testing::TestParamInfo<Link>& info) {
-    return info.param == Link::Usb ? "Usb" : "Ethernet";
-}
+std::string nameOf(const ::testing::TestParamInfo<LinkKind>& info) { return linkName(info.param); }
 
 }  // namespace
 
@@ -170,7 +148,7 @@ TEST_P(DynamicEndToEnd, DamagedPacketsAreAskedAgainAndALostLinkEndsTheRun) {
     EXPECT_EQ(OperationIdle, rig.network->Configuration()->ActiveOperation);
 }
 
-INSTANTIATE_TEST_SUITE_P(BothLinks, DynamicEndToEnd, ::testing::Values(Link::Usb, Link::Ethernet), linkName);
+INSTANTIATE_TEST_SUITE_P(BothLinks, DynamicEndToEnd, ::testing::Values(LinkKind::Usb, LinkKind::Ethernet), nameOf);
 
 namespace {
 
@@ -208,9 +186,7 @@ TEST(DynamicOnEveryNetwork, OneCallbackWhenAllAreDoneOrNoneStreams) {
     SimControllerConfig config = SimControllerConfig::ethernet("ETHALL0001");
     config.typeCode = "ETH2";
     SimController ethernet(config);
-    for (int i = 0; i < 4; ++i) {
-        ethernet.addModule(modeProbe("GPDYN0000" + std::to_string(i), 5, 3, SimSignal::constant(kLevels[i])));
-    }
+    for (const SimModule& probe : fourProbes()) ethernet.addModule(probe);
     SimEthernetFace face(ethernet);
     face.start();
     ConfigurationHome home;

@@ -72,15 +72,3 @@ TEST(ErrorDictionary, ShippedFileHasOneLinePerCode) {
         EXPECT_EQ(1u, codes.count(code)) << "code " << code << " has no line";
     }
 }
-
-TEST(KavroExceptionTest, CarriesCodeAndMessage) {
-    try {
-        throw KavroException(0x2112, "below");
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ("below", e.what());
-        const auto* kavro = dynamic_cast<const KavroException*>(&e);
-        ASSERT_NE(nullptr, kavro);
-        EXPECT_EQ(0x2112, kavro->ErrorCode);
-        EXPECT_EQ("below", kavro->Message);
-    }
-}

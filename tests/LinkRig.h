@@ -26,16 +26,20 @@ inline std::string linkName(LinkKind kind) {
 }
 
 struct LinkRig {
-    // Connects, and adds the modules to the bus (not to the network).
-    LinkRig(LinkKind link, const std::vector<kavrosim::SimModule>& modules) : kind(link) {
+    // Connects, and adds the modules to the bus (not to the network). A lost
+    // USB answer costs `usbReadWait` rather than the host's full time-out.
+    LinkRig(LinkKind link, const std::vector<kavrosim::SimModule>& modules,
+            std::chrono::milliseconds usbReadWait = std::chrono::milliseconds(200))
+        : kind(link) {
         using namespace kavrosim;
         if (kind == LinkKind::Usb) {
             usb = std::make_unique<UsbStandIn>("controller usb identity=USBSIM0101 firmware=150\n");
-            // A lost answer costs this much rather than the host's full time-out.
-            usb->limitReadWait(std::chrono::milliseconds(200));
+            usb->limitReadWait(usbReadWait);
             network = std::make_unique<KavroLibrary::KavroNetworkUSBIM>(0, 0);
         } else if (kind == LinkKind::Ethernet) {
-            own = std::make_unique<SimController>(SimControllerConfig::ethernet("ETHSIM0101"));
+            SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0101");
+            config.typeCode = "ETH2";  // the Ethernet controller that streams
+            own = std::make_unique<SimController>(config);
             face = std::make_unique<SimEthernetFace>(*own);
             face->start();
             network = std::make_unique<KavroLibrary::KavroNetworkETHIM>(0, "Rig", face->location());
