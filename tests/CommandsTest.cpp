@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "MessageOf.h"
 #include "NetworkTestSupport.h"
 #include "commands/KavroCommands.h"
 

@@ -36,12 +36,7 @@ TEST(ConfigurationDiscovery, PerUserThenSystemWithTheDefaultsOfEachKind) {
     KavroNetworks networks;
     find(networks);
     EXPECT_EQ(0u, networks.Count());
-    try {
-        networks.Network(0);
-        ADD_FAILURE() << "no network 0";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ("Network at index does not exist.", error.what());
-    }
+    EXPECT_EQ("Network at index does not exist.", messageOf([&] { networks.Network(0); }));
 
     const std::string bench =
         element("RS232IM", "<networkname>Bench</networkname><comport>/dev/ttyUSB3</comport><baud>57600</baud>");

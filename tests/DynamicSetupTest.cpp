@@ -2,8 +2,6 @@
 // refusals of a start the links cannot carry out.
 #include <gtest/gtest.h>
 
-#include "MessageOf.h"
-
 #include <stdexcept>
 
 #include "NetworkTestSupport.h"

@@ -1,6 +1,8 @@
 // Text forms of the enumerations.
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
+
 #include <stdexcept>
 
 #include "KavroLibrary.h"
@@ -8,15 +10,7 @@
 using namespace KavroLibrary;
 
 namespace {
-template <typename F>
-void expectConversionError(F f) {
-    try {
-        f();
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ("StringToEnum Conversion Error", e.what());
-    }
-}
+void expectConversionError(const std::function<void()>& f) { EXPECT_EQ("StringToEnum Conversion Error", messageOf(f)); }
 }  // namespace
 
 TEST(EnumText, ExactCaseSensitiveMatch) {

@@ -2,8 +2,6 @@
 // enables and master index, and dynamic settings.
 #include <gtest/gtest.h>
 
-#include "MessageOf.h"
-
 #include "NetworkTestSupport.h"
 #include "readings/KavroReadType.h"
 

@@ -1,8 +1,6 @@
 // Adding, choosing the class of, deleting and clearing modules.
 #include <gtest/gtest.h>
 
-#include "MessageOf.h"
-
 #include <chrono>
 #include <thread>
 #include <typeinfo>

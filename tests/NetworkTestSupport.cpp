@@ -1,6 +1,7 @@
 #include "NetworkTestSupport.h"
 
 #include <cstring>
+#include <map>
 #include <mutex>
 
 using namespace KavroLibrary;

@@ -7,16 +7,13 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
-#include <functional>
-#include <iostream>
-#include <map>
 #include <mutex>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "KavroLibrary.h"
+#include "MessageOf.h"
 #include "links/NetworkConfiguration.h"
 
 struct FakeModule {

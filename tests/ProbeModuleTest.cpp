@@ -33,12 +33,7 @@ TEST_F(Probe, AveragingIsSentAndKeptOnlyWhenTheProbeAnswers) {
     EXPECT_EQ((std::vector<FakeModuleBus::Bytes>{{'V', 1, 50, 0, 8, 0}}), fake.bus.commands);
 
     onBus->address = 0;
-    try {
-        probe->setAveraging(eAveraging::average256);
-        FAIL() << "expected the link error";
-    } catch (const KavroException& error) {
-        EXPECT_EQ(255, error.ErrorCode);
-    }
+    EXPECT_EQ(255, errorCodeOf([&] { probe->setAveraging(eAveraging::average256); }));
     EXPECT_EQ(eAveraging::average8, probe->Averaging());
 }
 
@@ -55,14 +50,8 @@ TEST_F(Probe, ResolutionScalesFullScaleAndUnits) {
     EXPECT_EQ(16384, probe->ReadType()->FullScale);
 
     onBus->address = 0;
-    try {
-        probe->setResolution(eResolution::res16Bit);
-        FAIL() << "expected a refusal";
-    } catch (const KavroException&) {
-        FAIL() << "a plain error was expected";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ("Unable to set resolution", error.what());
-    }
+    EXPECT_EQ(-1, errorCodeOf([&] { probe->setResolution(eResolution::res16Bit); })) << "a plain error, not the link's";
+    EXPECT_EQ("Unable to set resolution", messageOf([&] { probe->setResolution(eResolution::res16Bit); }));
     EXPECT_EQ(eResolution::res14Bit, probe->Resolution());
 
     probe->ReadType()->ResolutionFactor = 2;

@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include "MessageOf.h"
 #include "core/KavroSim.h"
 
 namespace simtest {
