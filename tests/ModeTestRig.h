@@ -10,9 +10,7 @@
 #include "SimNetworkRig.h"
 
 struct ModeTestRig : SimNetworkRig {
-    explicit ModeTestRig(const std::vector<kavrosim::SimModule>& modules) : SimNetworkRig(lowOnly()) {
-        for (const kavrosim::SimModule& module : modules) controller.addModule(module);
-        connect();
+    explicit ModeTestRig(const std::vector<kavrosim::SimModule>& modules) : SimNetworkRig(lowOnly(), modules) {
         for (const kavrosim::SimModule& module : modules) network->AddModule(module.identity(), "");
         clearLog();
     }

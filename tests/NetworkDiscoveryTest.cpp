@@ -21,9 +21,7 @@ std::vector<int> pingSlotsAsked(const SimNetworkRig& rig) {
 }  // namespace
 
 TEST(HotSwap, AdoptsSelfAddressedModulesAndCountsTheLastAttempt) {
-    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0201"));
-    rig.controller.addModule(simProbe("GP00000201", 1.0));
-    rig.connect();
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0201"), {simProbe("GP00000201", 1.0)});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000201", "");
     network.setNetSpeed(eNetSpeed::High);
@@ -76,10 +74,7 @@ TEST(Ping, AddsLoneModulesAndCountsCollisionsAsErrors) {
 TEST(Ping, RefusesANewModuleBeyondTheControllersLimit) {
     SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0203");
     config.limitText = "L001";
-    SimNetworkRig rig(config);
-    rig.controller.addModule(simProbe("GP00000221", 1.0));
-    rig.controller.addModule(simProbe("GP00000222", 1.0));
-    rig.connect();
+    SimNetworkRig rig(config, {simProbe("GP00000221", 1.0), simProbe("GP00000222", 1.0)});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000221", "");
     network.setNetSpeed(eNetSpeed::High);
@@ -132,10 +127,7 @@ TEST(Remap, MovesOnlyTheModulesThatChangePlace) {
 TEST(ClearTCons, UnaddressesTheBusAtEverySpeedAndKeepsTheObjects) {
     SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0205");
     config.typeCode = "ETH2";
-    SimNetworkRig rig(config);
-    rig.controller.addModule(simProbe("GP00000241", 1.0));
-    rig.controller.addModule(simProbe("GP00000242", 1.0));
-    rig.connect();
+    SimNetworkRig rig(config, {simProbe("GP00000241", 1.0), simProbe("GP00000242", 1.0)});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000241", "Kept");
     network.AddModule("GP00000242", "");

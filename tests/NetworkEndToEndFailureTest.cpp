@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "SimNetworkRig.h"
 #include "NetworkTestSupport.h"
+#include "SimNetworkRig.h"
 #include "core/ErrorDictionary.h"
 
 using namespace KavroLibrary;
@@ -93,12 +93,12 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
 // and in the module's status), and a late answer within the time-out taken as lost.
 TEST(NetworkEndToEndFailure, LostAndLateReplies) {
     loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0062"), {simProbe("GP00000062", 1.0, 2.0)});
-    ASSERT_TRUE(rig->network->IsConnected());
-    rig->network->AddModule("GP00000062", "");
-    KavroModule* probe = rig->network->GetModule(0);
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0062"), {simProbe("GP00000062", 1.0, 2.0)});
+    ASSERT_TRUE(rig.network->IsConnected());
+    rig.network->AddModule("GP00000062", "");
+    KavroModule* probe = rig.network->GetModule(0);
 
-    rig->controller.injectFault(SimFault::dropReply().only('L'));
+    rig.controller.injectFault(SimFault::dropReply().only('L'));
     Stopwatch watch;
     try {
         probe->ReadingInCounts();
@@ -112,7 +112,7 @@ TEST(NetworkEndToEndFailure, LostAndLateReplies) {
     EXPECT_EQ(255, probe->ModuleStatus()->ErrorCode());
     EXPECT_EQ(kNoReply, probe->ModuleStatus()->ErrorString());
 
-    rig->controller.injectFault(SimFault::delay(300ms).only('L'));
+    rig.controller.injectFault(SimFault::delay(300ms).only('L'));
     watch = Stopwatch();
     EXPECT_EQ(8192, probe->ReadingInCounts());
     EXPECT_GE(watch.elapsed(), 300ms);

@@ -13,30 +13,30 @@ using namespace std::chrono_literals;
 
 // Catches a wrong offset for a range that starts below zero, or range replies thrown as errors.
 TEST(NetworkEndToEnd, AnalogueRangeStartsBelowZero) {
-    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0002"), {SimModule::analogue("AI00000003", 630102)});
-    KavroNetworkETHIM& network = *rig->network;
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0002"), {SimModule::analogue("AI00000003", 630102)});
+    KavroNetworkETHIM& network = *rig.network;
     ASSERT_TRUE(network.IsConnected());
     network.AddModule("AI00000003", "");
     KavroModule* analogue = network.GetModule(0);
     ASSERT_EQ(eModuleType::AIM, analogue->ModuleType());
-    rig->controller.setSignal("AI00000003", SimSignal::constant(2.5));
+    rig.controller.setSignal("AI00000003", SimSignal::constant(2.5));
     EXPECT_NEAR(2.5, analogue->ReadingInUnits(), 1.0 / 819.2);
     // Under range reads as the -10 V offset plus the network's extra offset.
-    rig->controller.setSignal("AI00000003", SimSignal::constant(-12.0));
+    rig.controller.setSignal("AI00000003", SimSignal::constant(-12.0));
     EXPECT_EQ(0, analogue->ReadingInCounts());
     EXPECT_NEAR(-10.0, analogue->ReadingInUnits(), 1e-9);
     analogue->ReadType()->SizeOffset = 0.25;
     EXPECT_NEAR(-9.75, analogue->ReadingInUnits(), 1e-9);
-    rig->controller.setSignal("AI00000003", SimSignal::constant(12.0));
+    rig.controller.setSignal("AI00000003", SimSignal::constant(12.0));
     EXPECT_EQ(16384, analogue->ReadingInCounts());
     EXPECT_NEAR(10.25, analogue->ReadingInUnits(), 1e-9);
 }
 
 // Catches an off-by-one in the module limit, or refusals that still reach the bus.
 TEST(NetworkEndToEnd, ModuleLimitAndRefusals) {
-    auto rig = connectedRig(SimControllerConfig::ethernet("ETHSIM0041"));  // module limit "L032"
-    KavroNetworkETHIM& network = *rig->network;
-    SimController& controller = rig->controller;
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0041"), {});  // module limit "L032"
+    KavroNetworkETHIM& network = *rig.network;
+    SimController& controller = rig.controller;
     ASSERT_TRUE(network.IsConnected());
     EXPECT_EQ("ETHIM (ETHSIM0041)", network.Description());
     EXPECT_EQ(eNetworkType::ETHIM, network.NetworkType());

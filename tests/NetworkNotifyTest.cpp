@@ -13,9 +13,7 @@ using namespace kavrosim;
 using namespace std::chrono_literals;
 
 TEST(Notification, AddsTheAnnouncedModuleAndRestoresTheSpeed) {
-    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0101"));
-    rig.controller.addModule(simProbe("GP00000101", 1.0));
-    rig.connect();
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0101"), {simProbe("GP00000101", 1.0)});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000101", "First");
     network.setNetSpeed(eNetSpeed::High);
@@ -48,9 +46,7 @@ TEST(Notification, AddsTheAnnouncedModuleAndRestoresTheSpeed) {
 }
 
 TEST(Notification, KeepsAskingUntilCancelledAndTheCancelIsPrompt) {
-    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0102"));
-    rig.controller.addModule(simProbe("GP00000103", 1.0));
-    rig.connect();
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0102"), {simProbe("GP00000103", 1.0)});
     KavroNetwork& network = *rig.network;
 
     auto start = std::chrono::steady_clock::now();
@@ -77,9 +73,7 @@ TEST(Notification, KeepsAskingUntilCancelledAndTheCancelIsPrompt) {
 }
 
 TEST(Notification, ARefusedAdditionEndsItWithOneLineInsteadOfEndingTheProcess) {
-    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0103"));
-    rig.controller.addModule(simProbe("GP00000104", 1.0));
-    rig.connect();
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0103"), {simProbe("GP00000104", 1.0)});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000104", "");
 

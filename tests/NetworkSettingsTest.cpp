@@ -49,11 +49,8 @@ KavroModuleDP& probeAt(KavroNetwork& network, unsigned int index) {
 TEST(NetworkSettings, ASavedNetworkLoadsBackWithItsModulesAndSettings) {
     SimControllerConfig config = SimControllerConfig::ethernet("ETHSIM0301");
     config.typeCode = "ETH2";
-    SimNetworkRig rig(config);
-    rig.controller.addModule(simProbe("GP00000301", 1.0));
-    rig.controller.addModule(simProbe("GP00000302", 0.5));
-    rig.controller.addModule(SimModule::linearEncoder("LE00000303"));
-    rig.connect();
+    SimNetworkRig rig(
+        config, {simProbe("GP00000301", 1.0), simProbe("GP00000302", 0.5), SimModule::linearEncoder("LE00000303")});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000301", "Left probe_1");
     network.AddModule("GP00000302", "Right <top> & \"bottom\"");
@@ -161,9 +158,7 @@ TEST(NetworkSettings, AHandWrittenFileLoadsByTheLoadersRules) {
 }
 
 TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
-    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0303"));
-    rig.controller.addModule(simProbe("GP00000321", 1.0));
-    rig.connect();
+    SimNetworkRig rig(SimControllerConfig::ethernet("ETHSIM0303"), {simProbe("GP00000321", 1.0)});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000321", "Stays");
     KavroModule* module = network.GetModule(0);

@@ -29,6 +29,13 @@ struct SimNetworkRig {
         network = std::make_unique<KavroLibrary::KavroNetworkETHIM>(0, "Test network", face.address());
     }
 
+    // Connected, to a controller that holds `modules`.
+    SimNetworkRig(kavrosim::SimControllerConfig config, const std::vector<kavrosim::SimModule>& modules)
+        : SimNetworkRig(std::move(config)) {
+        for (const kavrosim::SimModule& module : modules) controller.addModule(module);
+        connect();
+    }
+
     void connect() {
         network->Connect();
         ASSERT_TRUE(network->IsConnected());
@@ -52,15 +59,6 @@ inline kavrosim::SimModule simProbe(const std::string& identity, double value, d
     kavrosim::SimModule probe = kavrosim::SimModule::digitalProbe(identity, rangeMm);
     probe.setSignal(kavrosim::SimSignal::constant(value));
     return probe;
-}
-
-// A rig connected to a controller that holds `modules`.
-inline std::unique_ptr<SimNetworkRig> connectedRig(kavrosim::SimControllerConfig config,
-                                                   const std::vector<kavrosim::SimModule>& modules = {}) {
-    auto rig = std::make_unique<SimNetworkRig>(std::move(config));
-    for (const kavrosim::SimModule& module : modules) rig->controller.addModule(module);
-    rig->connect();
-    return rig;
 }
 
 class Stopwatch {

@@ -31,9 +31,7 @@ protected:
     void SetUp() override {
         std::istringstream text(kScenario);
         const kavrosim::SimScenario scenario = kavrosim::parseScenario(text, "wireless test");
-        rig = std::make_unique<SimNetworkRig>(scenario.controllers[0].config);
-        rig->controller.addModule(scenario.controllers[0].modules[0]);
-        rig->connect();
+        rig = std::make_unique<SimNetworkRig>(scenario.controllers[0].config, scenario.controllers[0].modules);
         rig->network->AddModule("WCM0000001", "");
         wcm = dynamic_cast<KavroModuleWCM*>(rig->network->GetModule(0));
         ASSERT_NE(nullptr, wcm);
