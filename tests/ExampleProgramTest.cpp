@@ -1,6 +1,5 @@
 // The first example program against the default scenario, so that neither
 // the example nor the scenario can drift away from the other.
-#include <map>
 #include <regex>
 
 #include <gtest/gtest.h>
@@ -16,62 +15,6 @@ namespace {
 const std::string kExample = KAVRO_BINARY_DIR "/examples/example-read_probes";
 
 }  // namespace
-
-TEST(ExampleProgram, ReadsEveryProbeOfTheDefaultScenario) {
-    SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
-    ASSERT_FALSE(scenario.controllers.empty());
-    SimScenarioController& ethernet = scenario.controllers.front();
-    ASSERT_EQ(SimFaceKind::Ethernet, ethernet.face);
-    EXPECT_EQ("127.0.0.1", ethernet.address);  // where the example looks by default
-    ethernet.address.clear();                  // tests take a free loopback address
-    SimSession session(scenario);
-    session.start();
-
-    ChildProcess example(kExample, {session.face(0).location()});
-    const std::string output = example.output();
-    EXPECT_EQ(0, example.exitStatus()) << output;
-
-    // One line per probe of the scenario, in millimetres within its range.
-    const std::regex line("([A-Z0-9]{10})  (-?[0-9]+\\.[0-9]{4}) mm\n");
-    std::map<std::string, double> readings;
-    for (auto it = std::sregex_iterator(output.begin(), output.end(), line); it != std::sregex_iterator(); ++it) {
-        readings[(*it)[1]] = std::stod((*it)[2]);
-    }
-    int probes = 0;
-    for (const SimModule& module : ethernet.modules) {
-        if (module.kind() != SimKind::DigitalProbe) continue;
-        ++probes;
-        ASSERT_EQ(1u, readings.count(module.identity())) << module.identity() << " missing from:\n" << output;
-        const double reading = readings[module.identity()];
-        EXPECT_GE(reading, 0.0) << module.identity();
-        EXPECT_LE(reading, module.range()) << module.identity();
-    }
-    EXPECT_EQ(4, probes);
-    EXPECT_EQ(static_cast<std::size_t>(probes), readings.size()) << output;
-    // The constant probe reads exactly its value.
-    EXPECT_EQ(2.5, readings["GP05000002"]);
-}
-
-TEST(ExampleProgram, ReadsTheHandToolsOfTheDefaultScenario) {
-    SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
-    ASSERT_FALSE(scenario.controllers.empty());
-    scenario.controllers.front().address.clear();
-    SimSession session(scenario);
-    session.start();
-
-    ChildProcess example(KAVRO_BINARY_DIR "/examples/example-wireless_hand_tools", {session.face(0).location()});
-    const std::string output = example.output();
-    EXPECT_EQ(0, example.exitStatus()) << output;
-    for (const char* expected :
-         {"slot 1  WHT_M  WHTM000001  Bore gauge  Connected  battery 87\n",
-          "slot 3  WMM_A  WMMA000003  Micrometer  NotConnected  battery 12\n",
-          "WHTM000001 channel 3  Bore C  12.0000 mm\n", "WHTM000001 off time 10 -> 15 minutes\n"}) {
-        EXPECT_NE(std::string::npos, output.find(expected)) << expected << "\n" << output;
-    }
-    const std::regex channel("WHTM000001 channel [0-9]+  Bore [ABC]  1[12]\\.[0-9]{4} mm\n");
-    EXPECT_EQ(3, std::distance(std::sregex_iterator(output.begin(), output.end(), channel), std::sregex_iterator()))
-        << output;
-}
 
 TEST(ExampleProgram, WithoutAControllerItSaysWhatToStart) {
     ChildProcess example(kExample, {freeLoopbackAddress()});
@@ -96,7 +39,8 @@ TEST(ExampleProgram, StreamsTheProbesOverEthernetAndUsb) {
     ChildProcess example(KAVRO_BINARY_DIR "/examples/example-stream_probes", {session.face(0).location()});
     const std::string output = example.output(std::chrono::seconds(60));
     EXPECT_EQ(0, example.exitStatus()) << output;
-    const std::regex run("(Ethernet [0-9.]+|USB): 4000 reading sets, status 0, [0-9]+ packets, 0 asked again, nothing lost\n");
+    const std::regex run(
+        "(Ethernet [0-9.]+|USB): 4000 reading sets, status 0, [0-9]+ packets, 0 asked again, nothing lost\n");
     EXPECT_EQ(2, std::distance(std::sregex_iterator(output.begin(), output.end(), run), std::sregex_iterator()))
         << output;
     // The constant probe reads its value in every set shown.
@@ -109,7 +53,8 @@ TEST(ExampleProgram, StreamsTheProbesOverEthernetAndUsb) {
 // controller: every line they must print.
 TEST(ExampleProgram, EachTaskOfTheGuideRunsOnTheDefaultScenario) {
     SimScenario scenario = loadScenario(KAVRO_SOURCE_DIR "/sim/scenarios/default.scn");
-    scenario.controllers.front().address.clear();
+    EXPECT_EQ("127.0.0.1", scenario.controllers.front().address);  // where the examples look by default
+    scenario.controllers.front().address.clear();                  // tests take a free loopback address
     SimSession session(scenario);
     session.start();
     const std::string address = session.face(0).location();
@@ -127,6 +72,17 @@ TEST(ExampleProgram, EachTaskOfTheGuideRunsOnTheDefaultScenario) {
         std::vector<std::string> args;
         std::vector<std::string> lines;  // regular expressions, each matching one whole line
     } cases[] = {
+        // Each probe of the scenario within its range; the constant one exactly.
+        {"read_probes",
+         {address},
+         {"GP02000001  [01]\\.[0-9]{4} mm", "GP05000002  2\\.5000 mm", "GP10000003  1?[0-9]\\.[0-9]{4} mm",
+          "GP01000004  0\\.[0-9]{4} mm"}},
+        {"wireless_hand_tools",
+         {address},
+         {"slot 1  WHT_M  WHTM000001  Bore gauge  Connected  battery 87",
+          "slot 3  WMM_A  WMMA000003  Micrometer  NotConnected  battery 12",
+          "WHTM000001 channel 1  Bore A  1[12]\\.[0-9]{4} mm", "WHTM000001 channel 2  Bore B  1[12]\\.[0-9]{4} mm",
+          "WHTM000001 channel 3  Bore C  12\\.0000 mm", "WHTM000001 off time 10 -> 15 minutes"}},
         {"difference_mode",
          {address},
          {"GP02000001  min " + reading + "  max " + reading + "  spread " + reading + " mm  NoError",
