@@ -10,21 +10,11 @@ using namespace KavroLibrary;
 
 namespace {
 
-class ModuleReads : public ::testing::Test {
-protected:
+struct ModuleReads : OneProbeTest {
     void SetUp() override {
         loadErrorDictionaryFrom(KAVRO_SOURCE_DIR "/data/ErrLang_en.dat");
-        fake.bus.add(FakeProbe("PROBE00001"));
-        ASSERT_TRUE(fake.bus.connect());
-        fake.network.AddModule("PROBE00001", "");
-        module = fake.network.GetModule(0);
-        onBus = fake.bus.withIdentity("PROBE00001");
-        fake.bus.clearRecords();
+        OneProbeTest::SetUp();
     }
-
-    FakeNetwork fake;
-    KavroModule* module = nullptr;
-    FakeModule* onBus = nullptr;
 };
 
 std::string refusalOf(const std::function<void()>& action) {

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "KavroLibrary.h"
 #include "MessageOf.h"
 #include "links/NetworkConfiguration.h"
@@ -143,4 +145,23 @@ struct FakeNetwork {
     KavroLibrary::KavroNetwork network{0, "Test network"};
     FakeModuleBus bus{network.Configuration()};
     KavroLibrary::NetworkConfiguration* config() { return network.Configuration(); }
+};
+
+// One connected probe, PROBE00001, at address 1, with the records cleared.
+class OneProbeTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        fake.bus.add(FakeProbe("PROBE00001"));
+        ASSERT_TRUE(fake.bus.connect());
+        fake.network.AddModule("PROBE00001", "");
+        module = fake.network.GetModule(0);
+        probe = dynamic_cast<KavroLibrary::KavroModuleDP*>(module);
+        onBus = fake.bus.withIdentity("PROBE00001");
+        fake.bus.clearRecords();
+    }
+
+    FakeNetwork fake;
+    KavroLibrary::KavroModule* module = nullptr;
+    KavroLibrary::KavroModuleDP* probe = nullptr;
+    FakeModule* onBus = nullptr;
 };

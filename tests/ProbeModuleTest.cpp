@@ -6,26 +6,7 @@
 
 using namespace KavroLibrary;
 
-namespace {
-
-class Probe : public ::testing::Test {
-protected:
-    void SetUp() override {
-        fake.bus.add(FakeProbe("PROBE00001"));
-        ASSERT_TRUE(fake.bus.connect());
-        fake.network.AddModule("PROBE00001", "");
-        probe = dynamic_cast<KavroModuleDP*>(fake.network.GetModule(0));
-        ASSERT_NE(nullptr, probe);
-        onBus = fake.bus.withIdentity("PROBE00001");
-        fake.bus.clearRecords();
-    }
-
-    FakeNetwork fake;
-    KavroModuleDP* probe = nullptr;
-    FakeModule* onBus = nullptr;
-};
-
-}  // namespace
+using Probe = OneProbeTest;
 
 TEST_F(Probe, AveragingIsSentAndKeptOnlyWhenTheProbeAnswers) {
     probe->setAveraging(eAveraging::average8);
