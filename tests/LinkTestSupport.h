@@ -22,9 +22,9 @@ using Bytes = std::vector<unsigned char>;
 constexpr auto kPeerBound = std::chrono::seconds(5);
 
 // Reads up to `count` bytes; stops early at end of file or after the bound.
-inline Bytes readBytes(int fd, std::size_t count) {
+inline Bytes readBytes(int fd, std::size_t count, std::chrono::milliseconds bound = kPeerBound) {
     Bytes out;
-    const auto deadline = std::chrono::steady_clock::now() + kPeerBound;
+    const auto deadline = std::chrono::steady_clock::now() + bound;
     while (out.size() < count) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0) break;

@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include "LinkTestSupport.h"
 #include "MessageOf.h"
 #include "core/KavroSim.h"
 
@@ -73,22 +74,7 @@ public:
     }
 
     // Up to `count` bytes, whatever arrives within the bound.
-    Bytes receive(std::size_t count, std::chrono::milliseconds bound = 2000ms) {
-        Bytes got;
-        const auto deadline = std::chrono::steady_clock::now() + bound;
-        while (got.size() < count) {
-            const auto left =
-                std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-            if (left.count() <= 0) break;
-            pollfd watch{fd_, POLLIN, 0};
-            if (poll(&watch, 1, static_cast<int>(left.count())) <= 0) break;
-            std::uint8_t buffer[1024];
-            const ssize_t n = read(fd_, buffer, std::min(sizeof buffer, count - got.size()));
-            if (n <= 0) break;
-            got.insert(got.end(), buffer, buffer + n);
-        }
-        return got;
-    }
+    Bytes receive(std::size_t count, std::chrono::milliseconds bound = 2000ms) { return readBytes(fd_, count, bound); }
 
     // True when nothing arrives for the whole time.
     bool silentFor(std::chrono::milliseconds time) {

@@ -23,10 +23,6 @@ std::string text(const Bytes& bytes, std::size_t from, std::size_t count) {
                        bytes.begin() + static_cast<std::ptrdiff_t>(from + count));
 }
 
-std::uint32_t le32(const Bytes& bytes, std::size_t at) {
-    return bytes.at(at) | (bytes.at(at + 1) << 8) | (bytes.at(at + 2) << 16) | (bytes.at(at + 3) << 24);
-}
-
 // Wait for ready, clock `n` bytes in (0x24) or out (0x10), without the data.
 Bytes clock(std::uint8_t direction, std::size_t n) {
     return {0x88, direction, static_cast<std::uint8_t>((n - 1) & 0xFF), static_cast<std::uint8_t>((n - 1) >> 8)};
@@ -161,13 +157,13 @@ TEST(UsbStandIn, MpsseEngineEdges) {
     standIn.send(handle, Bytes(identify.begin() + 10, identify.end()));
     const Bytes identity = standIn.receive(handle, 40);
     ASSERT_EQ(40u, identity.size());
-    EXPECT_EQ(0u, le32(identity, 2));
+    EXPECT_EQ(0u, getLe32(identity, 2));
     EXPECT_EQ("USBSIM0001P770100AUSB21.50 ", text(identity, 7, 27));
 
     standIn.send(handle, block({0x04, 0, 0, 0, 0, 0x10, 0x55, 0x22}, {20}));  // 2250000
-    EXPECT_EQ(0u, le32(standIn.receive(handle, 20), 2));
+    EXPECT_EQ(0u, getLe32(standIn.receive(handle, 20), 2));
     standIn.send(handle, block({0x04}, {20}));  // rate 0
-    EXPECT_EQ(1u, le32(standIn.receive(handle, 20), 2));
+    EXPECT_EQ(1u, getLe32(standIn.receive(handle, 20), 2));
     EXPECT_EQ(SimSpeed::UltraHigh, standIn.controller(0).busSpeed());
 }
 
@@ -177,7 +173,7 @@ TEST(UsbStandIn, ModuleCommandsAndFaultsInBlocks) {
     SimController& controller = rig.standIn.controller(0);
     const Bytes silent = rig.exchange({'I', 5}, 30);
     ASSERT_EQ(20u, silent.size());
-    EXPECT_EQ(255u, le32(silent, 2));
+    EXPECT_EQ(255u, getLe32(silent, 2));
     EXPECT_EQ(0, silent[0] | silent[1]);
 
     rig.exchange({'S', 1, 'G', 'P', '0', '2', '0', '0', '0', '0', '0', '1', 0}, 2);  // to address 1
@@ -186,7 +182,7 @@ TEST(UsbStandIn, ModuleCommandsAndFaultsInBlocks) {
     putLe16(write, complementSum16(write, 0, write.size()));
     const Bytes written = rig.exchange(write, 2);
     ASSERT_EQ(20u, written.size());
-    EXPECT_EQ(0u, le32(written, 2));
+    EXPECT_EQ(0u, getLe32(written, 2));
     EXPECT_EQ(write, controller.requestLog().back().command);
 
     rig.exchange({'Q', 1}, 0xFFFF);
