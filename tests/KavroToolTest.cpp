@@ -27,11 +27,6 @@ std::vector<std::string> lines(const std::string& text) {
     return out;
 }
 
-std::string fileText(const std::string& path) {
-    std::ifstream in(path);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 std::vector<std::string> csvFields(const std::string& line) {
     std::vector<std::string> fields;
     std::istringstream in(line);
@@ -51,7 +46,7 @@ TEST(KavroTool, ReadsAndStreamsInEveryFormat) {
     ChildProcess read(kTool, {"--sim", "read", "--count", "2", "--format", "csv", "--output", csv});
     const std::string readSaid = read.output(std::chrono::seconds(60));
     ASSERT_EQ(0, read.exitStatus()) << readSaid;
-    const std::vector<std::string> rows = lines(fileText(csv));
+    const std::vector<std::string> rows = lines(TempDir::read(csv));
     ASSERT_GE(rows.size(), 1u + 2 * 4);
     EXPECT_EQ("time,network,address,identity,value,units,status", rows[0]);
     bool constant = false;
@@ -61,7 +56,7 @@ TEST(KavroTool, ReadsAndStreamsInEveryFormat) {
         std::stod(fields[4]);
         if (fields[3] == "GP05000002") constant = fields[4] == "2.500000" && fields[6] == "ok";
     }
-    EXPECT_TRUE(constant) << fileText(csv);
+    EXPECT_TRUE(constant) << TempDir::read(csv);
 
     const std::string json = (dir.path() / "stream.json").string();
     ChildProcess stream(kTool, {"--sim", "stream", "--count", "400", "--format", "json", "--output", json});
@@ -69,7 +64,7 @@ TEST(KavroTool, ReadsAndStreamsInEveryFormat) {
     ASSERT_EQ(0, stream.exitStatus()) << said;
     EXPECT_NE(std::string::npos, said.find(": 400 reading sets in")) << said;
     std::size_t records = 0;
-    for (const std::string& line : lines(fileText(json))) {
+    for (const std::string& line : lines(TempDir::read(json))) {
         std::smatch match;
         ASSERT_TRUE(std::regex_match(line, match, kJsonRecord)) << line;
         std::stod(match[1]);
@@ -111,12 +106,12 @@ TEST(KavroTool, InterruptedReadLeavesEveryRecordWhole) {
     const std::string csv = (dir.path() / "watch.csv").string();
     ChildProcess watch(kTool, {"--sim", "read", "--count", "100000", "--interval", "0.01", "--format", "csv",
                                "--output", csv});
-    ASSERT_TRUE(waitFor([&] { return lines(fileText(csv)).size() > 20; }, std::chrono::seconds(60)));
+    ASSERT_TRUE(waitFor([&] { return lines(TempDir::read(csv)).size() > 20; }, std::chrono::seconds(60)));
     watch.signal(SIGINT);
     const std::string said = watch.output(std::chrono::seconds(30));
     EXPECT_EQ(0, watch.exitStatus()) << said;
-    const std::vector<std::string> rows = lines(fileText(csv));
-    const std::string text = fileText(csv);
+    const std::vector<std::string> rows = lines(TempDir::read(csv));
+    const std::string text = TempDir::read(csv);
     EXPECT_EQ('\n', text.back());
     for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_EQ(7u, csvFields(rows[i]).size()) << rows[i];
 }

@@ -3,8 +3,6 @@
 // by the loader's rules; broken and hostile files leave the network alone.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 
 #include <libxml/xmlerror.h>
 
@@ -16,13 +14,6 @@ using namespace kavrosim;
 using namespace std::chrono_literals;
 
 namespace {
-
-std::string contentsOf(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 std::string repeated(const std::string& text, std::size_t times) {
     std::string out;
@@ -67,7 +58,7 @@ TEST(NetworkSettings, ASavedNetworkLoadsBackWithItsModulesAndSettings) {
     EXPECT_EQ(nullptr, network.Configuration()->XmlWriter) << "a failed save lets its writer go";
     const std::string path = (folder.path() / "network.xml").string();
     network.Save(path);
-    const std::string saved = contentsOf(path);
+    const std::string saved = TempDir::read(path);
     for (const char* element :
          {"<Network_ETHIM_x00202_x0020_x0028ETHSIM0301_x0029>", "<Module_Name>Left_x0020probe_x005f1</Module_Name>",
           "<Network_Speed>High</Network_Speed>", "<Module_Count>3</Module_Count>", "<OTUs>80</OTUs>", "<Bufferred",
@@ -170,7 +161,7 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
 
     TempDir folder;
     network.Save(folder.write("good.xml", ""));
-    const std::string good = contentsOf((folder.path() / "good.xml").string());
+    const std::string good = TempDir::read((folder.path() / "good.xml").string());
     std::string laughs = "<?xml version=\"1.0\"?>\n<!DOCTYPE r [\n<!ENTITY a \"aaaaaaaaaa\">\n";
     for (char name = 'b'; name <= 'k'; ++name) {
         laughs += std::string("<!ENTITY ") + name + " \"" + repeated("&" + std::string(1, name - 1) + ";", 10);

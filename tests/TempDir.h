@@ -31,6 +31,12 @@ public:
         return file.string();
     }
 
+    // The whole of a file ("" when it cannot be read).
+    static std::string read(const std::string& file) {
+        std::ifstream in(file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }
+
 private:
     std::filesystem::path path_;
 };
