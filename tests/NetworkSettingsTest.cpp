@@ -188,7 +188,8 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
     rig.controller.clearRequestLog();
     for (const auto& [name, contents] : files) {
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ("Error Reading XML document", messageOf([&] { network.Load(folder.write(name, contents)); })) << name;
+        const std::string path = folder.write(name, contents);
+        EXPECT_EQ("Error Reading XML document", messageOf([&] { network.Load(path); })) << name;
         EXPECT_LT(std::chrono::steady_clock::now() - start, 20s) << name;
     }
     EXPECT_EQ("Error Reading XML document", messageOf([&] { network.Load((folder.path() / "missing.xml").string()); }));

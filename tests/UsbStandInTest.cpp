@@ -14,7 +14,6 @@
 
 using namespace kavrosim;
 using namespace std::chrono_literals;
-using Bytes = UsbStandIn::Bytes;
 
 namespace {
 

@@ -81,7 +81,8 @@ TEST_F(Wireless, SlotsAreReadWhenTheConcentratorJoins) {
     EXPECT_NE(nullptr, dynamic_cast<WCM_DeviceSettings_WHT*>(single->Settings()));
     WCM_Device* empty = wcm->Devices()->GetDevice(2);
     EXPECT_EQ(eWCM_DeviceType::None, empty->DeviceType());
-    EXPECT_EQ(typeid(WCM_DeviceSettingsBase), typeid(*empty->Settings()));
+    const WCM_DeviceSettingsBase& emptySettings = *empty->Settings();
+    EXPECT_EQ(typeid(WCM_DeviceSettingsBase), typeid(emptySettings));
     EXPECT_EQ(eWCM_DeviceStatus::NotConnected, empty->ConnectionStatus());
 
     EXPECT_EQ(eWCM_DeviceStatus::Connected, multi->ConnectionStatus());
