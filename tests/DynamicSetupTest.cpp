@@ -65,6 +65,11 @@ TEST(DynamicSetup, MasterIndexMustFollowTheCollection) {
 }
 
 TEST(DynamicSetup, PrepareSwitchesModulesAndAnyChangeUnprepares) {
+    FakeNetwork idle;  // neither enabled nor connected: a start does nothing
+    idle.network.Dynamic()->StartDynamic();
+    idle.network.Dynamic()->StopDynamic();
+    EXPECT_EQ(eDynamicState::Inactive, idle.network.Dynamic()->DynamicState());
+
     DynamicNetwork three(3);
     KavroDynamic& d = three.dynamic();
     d.setNumberOfModules(2);
@@ -94,11 +99,4 @@ TEST(DynamicSetup, PrepareSwitchesModulesAndAnyChangeUnprepares) {
     EXPECT_EQ(eDynamicState::Inactive, d.DynamicState());
     EXPECT_EQ(OperationIdle, three.config()->ActiveOperation.load());
     d.StopDynamic();  // nothing runs: returns at once
-}
-
-TEST(DynamicSetup, DisabledOrUnconnectedStartDoesNothing) {
-    FakeNetwork idle;
-    idle.network.Dynamic()->StartDynamic();
-    idle.network.Dynamic()->StopDynamic();
-    EXPECT_EQ(eDynamicState::Inactive, idle.network.Dynamic()->DynamicState());
 }

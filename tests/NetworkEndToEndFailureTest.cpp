@@ -74,6 +74,7 @@ TEST(NetworkEndToEndFailure, SilentSerialControllerLeavesTheNetworkUnconnected) 
     line.start();
 
     KavroNetworkRS232 network(0, "Mute", line.slavePath(), 115200);
+    EXPECT_EQ(eNetworkType::RS232IM_Mk2, network.NetworkType());
     {
         DiagnosticCapture errors;
         Stopwatch watch;

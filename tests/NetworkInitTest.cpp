@@ -80,12 +80,3 @@ TEST(InitNetwork, ResetAllSpeedsResetsAtEverySpeedAndEndsLow) {
     EXPECT_EQ(0, probe.address);
     EXPECT_EQ(eNetSpeed::Low, fake.network.NetSpeed());
 }
-
-// With no modules: Low only, buffered allowed, but no read-burst.
-TEST(KavroNetwork, NewNetworkIsEmptyAndUnconnected) {
-    KavroNetwork network(4, "Bench");
-    EXPECT_FALSE(network.IsConnected());
-    EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, network.AvailableSpeeds());
-    EXPECT_TRUE(network.BufferedCapable());
-    EXPECT_FALSE(network.ReadBurstCapable());
-}

@@ -30,9 +30,14 @@ const Bytes kApplySpeed{'W', 0, 10};
 
 TEST(AddModule, AddressesIdentifiesAndSetsCapabilities) {
     FakeNetwork fake;
+    // With no modules: Low only, buffered allowed, no read-burst.
+    EXPECT_EQ(std::vector<eNetSpeed>{eNetSpeed::Low}, fake.network.AvailableSpeeds());
+    EXPECT_TRUE(fake.network.BufferedCapable());
+    EXPECT_FALSE(fake.network.ReadBurstCapable());
     fake.bus.add(FakeProbe("PROBE00001", 150));
     fake.bus.add(FakeProbe("PROBE00002", 50, false));
     ASSERT_TRUE(fake.bus.connect());
+    EXPECT_TRUE(fake.network.IsConnected());
 
     fake.network.AddModule("PROBE00001", "");
     fake.network.AddModule("PROBE00002", "");
