@@ -159,22 +159,16 @@ TEST(UsbStandIn, MpsseEngineEdges) {
     EXPECT_EQ(0u, getLe32(identity, 2));
     EXPECT_EQ("USBSIM0001P770100AUSB21.50 ", text(identity, 7, 27));
 
-    standIn.send(handle, block({0x04, 0, 0, 0, 0, 0x10, 0x55, 0x22}, {20}));  // 2250000
-    EXPECT_EQ(0u, getLe32(standIn.receive(handle, 20), 2));
+    // (Good rates are the USB network tests'.)
     standIn.send(handle, block({0x04}, {20}));  // rate 0
     EXPECT_EQ(1u, getLe32(standIn.receive(handle, 20), 2));
-    EXPECT_EQ(SimSpeed::UltraHigh, standIn.controller(0).busSpeed());
+    EXPECT_EQ(SimSpeed::Low, standIn.controller(0).busSpeed());
 }
 
-// Catches long commands cut at 15 bytes, silence or 0xFFFF misread, and cut or late answers mishandled.
+// Catches long commands cut at 15 bytes, 0xFFFF misread, and cut answers mishandled.
 TEST(UsbStandIn, ModuleCommandsAndFaultsInBlocks) {
     MpsseRig rig;
     SimController& controller = rig.standIn.controller(0);
-    const Bytes silent = rig.exchange({'I', 5}, 30);
-    ASSERT_EQ(20u, silent.size());
-    EXPECT_EQ(255u, getLe32(silent, 2));
-    EXPECT_EQ(0, silent[0] | silent[1]);
-
     rig.exchange({'S', 1, 'G', 'P', '0', '2', '0', '0', '0', '0', '0', '1', 0}, 2);  // to address 1
     Bytes write{'b', 1, 0x10, 0x00, 0x00, 0x00, 3, 0xA0, 0xA1, 0xA2};
     write.resize(39, 0);
@@ -187,19 +181,12 @@ TEST(UsbStandIn, ModuleCommandsAndFaultsInBlocks) {
     rig.exchange({'Q', 1}, 0xFFFF);
     EXPECT_EQ(2, controller.requestLog().back().type);
 
-    // A cut block leaves the read short; a late answer is waited for.
+    // A cut block leaves the read short (silent modules and late answers are
+    // the fault matrix's, through the library).
     rig.standIn.limitReadWait(200ms);
     controller.injectFault(SimFault::cutFrame(5).on(SimRequestKind::Identify));
     rig.standIn.send(rig.handle, block({0x08}, {20, 20}));
     EXPECT_EQ(5u, rig.standIn.receive(rig.handle, 40).size());
-
-    controller.injectFault(SimFault::delay(150ms).on(SimRequestKind::Idle));
-    const auto start = std::chrono::steady_clock::now();
-    rig.standIn.send(rig.handle, block({0x06}, {20}));
-    EXPECT_EQ(0u, rig.standIn.queued(rig.handle));
-    EXPECT_EQ(20u, rig.standIn.receive(rig.handle, 20).size());
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 140ms);
-    EXPECT_EQ(0u, controller.pendingFaults());
 }
 
 // Catches the scenario file named by the environment not read, or its error not reported.
