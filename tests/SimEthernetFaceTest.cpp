@@ -62,9 +62,6 @@ TEST(SimEthernetFace, StopsPromptlyAndRestarts) {
 
     SimEthernetFace again(controller, address);
     again.start();
-    auto fresh = WireClient::tcp(address);
-    fresh->send(text(std::string("I\0\0", 3)));
-    EXPECT_EQ(34u, fresh->receive(34).size());
     SimEthernetFace clash(controller, address);
     EXPECT_NE(std::string::npos, messageOf([&] { clash.start(); }).find(address)) << "two faces on one address";
     SimEthernetFace bad(controller, "300.1.2.3");
