@@ -91,24 +91,6 @@ TEST(SimReading, RangeEdgesBurstPresetResolutionAndScales) {
     EXPECT_EQ(18, rig.controller.module("GP00000002")->resolutionBits()) << "a refusal changes nothing";
 }
 
-// Catches the firmware band of generation 3 off by one, and configurations
-// a host could not decode being accepted.
-TEST(SimReading, GenerationsAndImpossibleConfigurations) {
-    SimModule probe = SimModule::digitalProbe("GP00000009", 2);
-    probe.setFirmwareNumber(149);
-    EXPECT_EQ(2, probe.generation());
-    probe.setFirmwareNumber(150);
-    EXPECT_EQ(3, probe.generation());
-    SimModule halfMillimetre = SimModule::digitalProbe("GP00000010", 0.5);
-    EXPECT_NO_THROW(halfMillimetre.validate());
-    halfMillimetre.setInfoFormat(SimInfoFormat::Old);
-    EXPECT_THROW(halfMillimetre.validate(), std::invalid_argument) << "the identify range is whole millimetres";
-    SimModule oldHighResolution = SimModule::digitalProbe("GP00000011", 2);
-    oldHighResolution.setResolutionBits(16);
-    oldHighResolution.setGeneration(0);
-    EXPECT_THROW(oldHighResolution.validate(), std::invalid_argument);
-}
-
 // Catches signals tied to the wrong clock origin, a ramp that does not wrap,
 // noise that is not repeatable by seed or leaves its band, and bad texts.
 TEST(SimReading, SignalsFollowTheMonotonicClock) {

@@ -42,6 +42,8 @@ controller ethernet auto identity=ETHBENCH01 type=ETH2 firmware=152 description=
   module diom DI00000004 model=IO8 part=P123456B rate=250 buffer=64
 controller serial link=/tmp/kavro-test-line
   module encoder-input DE00000005 cpu=36 firmware=99
+  module probe GP00000006 range=2 firmware=149
+  module probe GP00000007 range=2 firmware=150
 controller wireless auto port=10007
 controller usb serial=BENCH channel-b=none
 )");
@@ -71,7 +73,10 @@ controller usb serial=BENCH channel-b=none
     EXPECT_EQ(250.0, first.modules[3].difference().sampleRate());
     EXPECT_EQ(64u, first.modules[3].buffered().capacity());
     EXPECT_EQ("/tmp/kavro-test-line", scenario.controllers[1].link);
-    EXPECT_EQ(1, scenario.controllers[1].modules[0].generation());
+    // The firmware bands of the generations, at their edges.
+    EXPECT_EQ((std::vector<int>{1, 2, 3}), (std::vector<int>{scenario.controllers[1].modules[0].generation(),
+                                                             scenario.controllers[1].modules[1].generation(),
+                                                             scenario.controllers[1].modules[2].generation()}));
     EXPECT_EQ(SimFaceKind::Wireless, scenario.controllers[2].face);
     EXPECT_EQ(10007, scenario.controllers[2].port);
     EXPECT_EQ("BENCH", scenario.controllers[3].usb.serialNumber);
@@ -111,6 +116,7 @@ TEST(SimScenario, BadLinesAreNamedWithTheirLine) {
         {controller + "module probe GP00000001 range=2 resolution=15\n", "resolution must be 14, 16 or 18"},
         {controller + "module probe GP00000001 range=2 signal=sine:1\n", "must be written sine:MEAN"},
         {controller + "module probe GP00000001 range=2.5 format=old\n", "whole millimetres"},
+        {controller + "module probe GP00000001 range=2 resolution=16 generation=0\n", "it stays at 14 bit"},
         {controller + "module analogue DA00000001 part=630199\n", "part number '630199'"},
         {controller + "module dio2 DO00000001 cpu=3\n", "only encoders take cpu"},
         {controller + "module probe GP00000001 range=2 rate=0\n", "sample rate must be from 1"},
