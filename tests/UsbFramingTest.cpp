@@ -1,7 +1,6 @@
 // The USB interface module's block layout, byte for byte.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <numeric>
 
 #include "RecordingFtdi.h"
@@ -140,41 +139,20 @@ TEST_F(UsbLink, ShortOrMissingFirstBlockIsStatus255) {
     }
 }
 
-// Catches wrong bit-rate bytes, opcodes, read lengths and field offsets of controller requests.
+// Catches a speed the controller cannot take sent as a rate, and a short
+// get-info read as fields. (Good requests and answers are the USB network
+// tests', through the stand-in.)
 TEST_F(UsbLink, ControllerRequests) {
     Bytes speedReply(20, 0);
     speedReply[2] = 9;
     ftdi.scriptRead(speedReply);
-    EXPECT_EQ(9u, SetControllerSpeedFTDI(&config, eNetSpeed::High));
-    EXPECT_EQ(block({0x04, 0, 0, 0, 0, 1500000 & 0xFF, (1500000 >> 8) & 0xFF, 1500000 >> 16}, {20}),
-              ftdi.writes().back());
+    EXPECT_EQ(9u, SetControllerSpeedFTDI(&config, eNetSpeed::High));  // the controller's status is passed on
     ftdi.scriptRead(Bytes(5, 0));
     EXPECT_EQ(255u, SetControllerSpeedFTDI(&config, static_cast<eNetSpeed>(3)));
     EXPECT_EQ(0, ftdi.writes().back()[9] | ftdi.writes().back()[10] | ftdi.writes().back()[11]);
 
-    Bytes identify(40, 0);
-    std::memcpy(identify.data() + 7, "ID000001AB12345678MODL1.18X", 27);
-    ftdi.scriptRead(identify);
-    ControllerIdentifyReply id = IdentifyNetwork(&config);
-    EXPECT_EQ(0, id.Error);
-    EXPECT_EQ("ID000001AB", id.IdentityText());
-    EXPECT_EQ(block({0x08}, {20, 20}), ftdi.writes().back());
-
-    Bytes info(47, ' ');
-    std::fill(info.begin() + 2, info.begin() + 6, 0);
-    std::memcpy(info.data() + 7, "USB2", 4);
-    info[11] = 150;
-    info[12] = 0;
-    std::memcpy(info.data() + 15, "L032", 4);
-    ftdi.scriptRead(info);
-    ControllerInfoReply got = GetInfoNetwork(&config);
-    EXPECT_EQ(0, got.Error);
-    EXPECT_EQ("USB2", got.TypeCodeText());
-    EXPECT_EQ(150, got.Value);
-    EXPECT_EQ("L032", got.Limit().substr(0, 4));
-    EXPECT_EQ(block({0x09}, {20, 27}), ftdi.writes().back());
     ftdi.scriptRead(Bytes(8, 0));  // a short get-info leaves the blanks
-    got = GetInfoNetwork(&config);
+    const ControllerInfoReply got = GetInfoNetwork(&config);
     EXPECT_EQ("    ", got.TypeCodeText());
     EXPECT_EQ(std::string(16, ' '), got.Limit());
 }

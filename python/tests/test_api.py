@@ -30,9 +30,6 @@ def test_network_and_modules_round_trip(bench):
     assert (probe.ModuleType(), probe.Address(), probe.Stroke()) == (kavro.eModuleType.DP, 2, 5.0)
     assert probe.ReadingInUnits() == pytest.approx(2.5)
     assert probe.ReadingInCounts() == 1 << 15  # mid-range of 16 bits
-    probe.setResolution(kavro.eResolution.res18Bit)
-    assert probe.Resolution() is kavro.eResolution.res18Bit
-    assert probe.ReadingInUnits() == pytest.approx(2.5)
     assert [m.ModuleID() for m in network] == ["GP02000001", "GP05000002", "GP10000003"]
 
 
